@@ -1,0 +1,42 @@
+#include "OssShaderNetworkNodeGraphViewContextPlugin.h"
+
+#include "OssDebug.h"
+
+OssShaderNetworkNodeGraphViewContextPlugin::~OssShaderNetworkNodeGraphViewContextPlugin() = default;
+
+bool OssShaderNetworkNodeGraphViewContextPlugin::initialize()
+{
+    // The banner alone carries neither the information nor the warning prefix.
+    OssDebug(__FILE__, __LINE__, "[ Plugin ] Shader Network - Node Graph View Context");
+    return true;
+}
+
+bool OssShaderNetworkNodeGraphViewContextPlugin::uninitialize()
+{
+    return true;
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::name() const
+{
+    return tr("Node Graph View Context");
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::description() const
+{
+    return tr("Node Graph View of the Shader Network");
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::authorName() const
+{
+    return QStringLiteral("The Ossa node graph team");
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::legalNotice() const
+{
+    return QStringLiteral("Part of Ossa. All rights reserved by its authors.");
+}
+
+int OssShaderNetworkNodeGraphViewContextPlugin::version() const
+{
+    return 1;
+}

@@ -1,0 +1,66 @@
+#include "OssActionTreeManager.h"
+
+#include <QAction>
+
+OssActionTreeManager *OssActionTreeManager::instance()
+{
+    static OssActionTreeManager *manager = new OssActionTreeManager;
+    return manager;
+}
+
+OssActionTreeManager::OssActionTreeManager(QObject *parent) : QObject(parent) {}
+
+QString OssActionTreeManager::fullPath(const QString &folder, const QAction *action)
+{
+    return action ? folder + action->text() : QString();
+}
+
+void OssActionTreeManager::registerAction(const QString &folder, QAction *action)
+{
+    if (!action || m_entries.contains(action))
+        return;
+    Entry entry{folder, fullPath(folder, action), action};
+    if (!m_byFolder.contains(folder))
+        m_folders.append(folder);
+    m_byFolder[folder].append(action);
+    m_byPath[entry.fullPath].append(action);
+    m_entries.insert(action, entry);
+    connect(action, &QObject::destroyed, this, &OssActionTreeManager::forget);
+    emit actionRegistered(folder, action);
+}
+
+void OssActionTreeManager::forget(QObject *action)
+{
+    const auto it = m_entries.find(action);
+    if (it == m_entries.end())
+        return;
+    // The action is being destroyed: only its address is used from here on.
+    QAction *key = static_cast<QAction *>(action);
+    m_byFolder[it->folder].removeAll(key);
+    QList<QAction *> &sameIdentity = m_byPath[it->fullPath];
+    sameIdentity.removeAll(key);
+    if (sameIdentity.isEmpty())
+        m_byPath.remove(it->fullPath);
+    m_entries.erase(it);
+}
+
+bool OssActionTreeManager::hasAction(const QString &fullPath) const
+{
+    return m_byPath.contains(fullPath);
+}
+
+QAction *OssActionTreeManager::findAction(const QString &fullPath) const
+{
+    const QList<QAction *> actions = m_byPath.value(fullPath);
+    return actions.isEmpty() ? nullptr : actions.first();
+}
+
+QList<QAction *> OssActionTreeManager::findActions(const QString &fullPath) const
+{
+    return m_byPath.value(fullPath);
+}
+
+QList<QAction *> OssActionTreeManager::actions(const QString &folder) const
+{
+    return m_byFolder.value(folder);
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "OssCoreExport.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+class QAction;
+
+// The host's tree of actions. An action is filed under a folder path exactly as given and is
+// known by that folder path followed by its text: "/Ossa/NodeGraph/", "/Ossa/NodeGraph" and
+// "Ossa/NodeGraph/" are three different folders. Several actions may share one identity.
+class OSSCORE_EXPORT OssActionTreeManager : public QObject
+{
+    Q_OBJECT
+public:
+    static OssActionTreeManager *instance();
+
+    // Files Action under Folder. The tree does not own the action; a destroyed action leaves it.
+    void registerAction(const QString &folder, QAction *action);
+    bool hasAction(const QString &fullPath) const;
+    // The first action filed at that full path, or null.
+    QAction *findAction(const QString &fullPath) const;
+    QList<QAction *> findActions(const QString &fullPath) const;
+
+    // Folders in the order they were first used, and the actions of one folder in filing order.
+    QStringList folders() const { return m_folders; }
+    QList<QAction *> actions(const QString &folder) const;
+    static QString fullPath(const QString &folder, const QAction *action);
+
+signals:
+    void actionRegistered(const QString &folder, QAction *action);
+
+private:
+    explicit OssActionTreeManager(QObject *parent = nullptr);
+    void forget(QObject *action);
+
+    struct Entry
+    {
+        QString folder;
+        QString fullPath;
+        QPointer<QAction> action;
+    };
+    QStringList m_folders;
+    QHash<QString, QList<QAction *>> m_byFolder;
+    QHash<QString, QList<QAction *>> m_byPath;
+    QHash<QObject *, Entry> m_entries;
+};

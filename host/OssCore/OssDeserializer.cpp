@@ -1,0 +1,232 @@
+#include "OssDeserializer.h"
+
+#include "OssSerializableObject.h"
+#include "OssSerializer.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QMetaProperty>
+#include <QXmlStreamReader>
+
+#include <vector>
+
+// The parsed document: loading works on this tree so a broken file is known to be broken before
+// any object changes.
+struct OssXmlElement
+{
+    QString name;
+    OssStringMap attributes;
+    QString text;
+    std::vector<std::unique_ptr<OssXmlElement>> children;
+};
+
+namespace {
+
+// Deeper nesting than this is refused instead of recursing without bound on hostile input.
+constexpr int MaximumDepth = 512;
+
+OssStringMap attributeChildren(const OssXmlElement &element)
+{
+    OssStringMap result;
+    for (const auto &child : element.children) {
+        if (child->name == QLatin1String("attribute"))
+            result.insert(child->attributes.value(QStringLiteral("key")),
+                          child->attributes.value(QStringLiteral("value")));
+    }
+    return result;
+}
+
+} // namespace
+
+OssDeserializer::OssDeserializer() = default;
+OssDeserializer::~OssDeserializer() = default;
+
+std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QString *error)
+{
+    auto fail = [&](const QString &message) {
+        if (error)
+            *error = QStringLiteral("\"%1\": %2").arg(m_source, message);
+        return std::unique_ptr<OssXmlElement>();
+    };
+    if (data.trimmed().isEmpty())
+        return fail(QStringLiteral("the file is empty"));
+
+    QXmlStreamReader reader(data);
+    std::unique_ptr<OssXmlElement> document;
+    std::vector<OssXmlElement *> stack;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement) {
+            if (static_cast<int>(stack.size()) >= MaximumDepth)
+                return fail(QStringLiteral("elements are nested deeper than %1 levels at line %2")
+                                .arg(MaximumDepth)
+                                .arg(reader.lineNumber()));
+            auto element = std::make_unique<OssXmlElement>();
+            element->name = reader.name().toString();
+            for (const QXmlStreamAttribute &attribute : reader.attributes())
+                element->attributes.insert(attribute.name().toString(),
+                                           attribute.value().toString());
+            OssXmlElement *raw = element.get();
+            if (stack.empty())
+                document = std::move(element);
+            else
+                stack.back()->children.push_back(std::move(element));
+            stack.push_back(raw);
+        } else if (token == QXmlStreamReader::EndElement) {
+            stack.pop_back();
+        } else if (token == QXmlStreamReader::Characters && !stack.empty() &&
+                   !reader.isWhitespace()) {
+            stack.back()->text += reader.text();
+        }
+    }
+    if (reader.hasError()) {
+        const QString what = reader.error() == QXmlStreamReader::PrematureEndOfDocumentError
+                                 ? QStringLiteral("the file is truncated (%1)")
+                                 : QStringLiteral("the file is not a valid document (%1)");
+        return fail(what.arg(reader.errorString()) +
+                    QStringLiteral(" at line %1, column %2")
+                        .arg(reader.lineNumber())
+                        .arg(reader.columnNumber()));
+    }
+    if (!document)
+        return fail(QStringLiteral("the file holds no document"));
+    if (document->name != QLatin1String("OssaDocument"))
+        return fail(QStringLiteral("the file is not an Ossa document (its root element is <%1>)")
+                        .arg(document->name));
+    bool isNumber = false;
+    const int version =
+        document->attributes.value(QStringLiteral("formatVersion")).toInt(&isNumber);
+    if (!isNumber || version < 1)
+        return fail(QStringLiteral("the document has no valid format version"));
+    if (version > OssSerializer::FormatVersion)
+        return fail(QStringLiteral("the document has format version %1, newer than the "
+                                   "supported version %2")
+                        .arg(version)
+                        .arg(OssSerializer::FormatVersion));
+    int objects = 0;
+    for (const auto &child : document->children)
+        objects += child->name == QLatin1String("object") ? 1 : 0;
+    if (objects != 1)
+        return fail(QStringLiteral("the document holds %1 top-level objects instead of one")
+                        .arg(objects));
+    return document;
+}
+
+bool OssDeserializer::loadFromFile(const QString &path, OssSerializableObject *root,
+                                   QString *error)
+{
+    m_source = path;
+    QFile file(path);
+    if (!QFileInfo::exists(path)) {
+        if (error)
+            *error = QStringLiteral("\"%1\": the file does not exist").arg(path);
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = QStringLiteral("\"%1\": cannot open the file (%2)").arg(path, file.errorString());
+        return false;
+    }
+    return loadFromData(file.readAll(), root, error, path);
+}
+
+bool OssDeserializer::loadFromData(const QByteArray &data, OssSerializableObject *root,
+                                   QString *error, const QString &source)
+{
+    m_source = source;
+    m_warnings.clear();
+    if (!root) {
+        if (error)
+            *error = QStringLiteral("\"%1\": nothing to load into").arg(source);
+        return false;
+    }
+    std::unique_ptr<OssXmlElement> document = parse(data, error);
+    if (!document)
+        return false;
+    for (const auto &child : document->children) {
+        if (child->name == QLatin1String("object"))
+            apply(*child, root);
+    }
+    return true;
+}
+
+bool OssDeserializer::inspect(const QByteArray &data, QString *type, QString *error,
+                              const QString &source)
+{
+    m_source = source;
+    std::unique_ptr<OssXmlElement> document = parse(data, error);
+    if (!document)
+        return false;
+    for (const auto &child : document->children) {
+        if (child->name == QLatin1String("object") && type)
+            *type = child->attributes.value(QStringLiteral("type"));
+    }
+    return true;
+}
+
+void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject *object)
+{
+    if (m_restoreUuids) {
+        const QUuid uuid(element.attributes.value(QStringLiteral("uuid")));
+        if (!uuid.isNull())
+            object->setUuid(uuid);
+    }
+    const QMetaObject *meta = object->metaObject();
+
+    for (const auto &childPointer : element.children) {
+        const OssXmlElement &child = *childPointer;
+        const QString childName = child.attributes.value(QStringLiteral("name"));
+        if (child.name == QLatin1String("property")) {
+            const int index = meta->indexOfProperty(childName.toLatin1().constData());
+            if (index < 0 || !meta->property(index).isWritable()) {
+                m_warnings.append(QStringLiteral("%1 has no writable property \"%2\"")
+                                      .arg(QString::fromLatin1(meta->className()), childName));
+                continue;
+            }
+            bool ok = false;
+            const QVariant value = OssSerializer::textToVariant(
+                child.text, child.attributes.value(QStringLiteral("type")), &ok);
+            if (!ok || !meta->property(index).write(object, value))
+                m_warnings.append(QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
+                                      .arg(childName, QString::fromLatin1(meta->className()),
+                                           child.text));
+        } else if (child.name == QLatin1String("userAttribute")) {
+            bool ok = false;
+            const QVariant value = OssSerializer::textToVariant(
+                child.text, child.attributes.value(QStringLiteral("type")), &ok);
+            if (!ok) {
+                m_warnings.append(
+                    QStringLiteral("user attribute \"%1\": cannot use \"%2\" as %3")
+                        .arg(childName, child.text, child.attributes.value(QStringLiteral("type"))));
+                continue;
+            }
+            object->setUserAttribute(OssCustomAttribute(
+                childName, value, child.attributes.value(QStringLiteral("prettyName")),
+                child.attributes.value(QStringLiteral("visible")) != QLatin1String("0")));
+        } else if (child.name == QLatin1String("collection")) {
+            const QString type = child.attributes.value(QStringLiteral("type"));
+            const QString elementType = child.attributes.value(QStringLiteral("elementType"));
+            const int count = child.attributes.value(QStringLiteral("count")).toInt();
+            if (!object->onLoadCollection(childName, type, elementType, count,
+                                          attributeChildren(child)))
+                continue;
+            int index = 0;
+            for (const auto &item : child.children) {
+                if (item->name == QLatin1String("element")) {
+                    object->onLoadCollectionObject(childName, type, elementType, index++,
+                                                   attributeChildren(*item));
+                }
+            }
+            object->onEndCollection(childName, type, elementType);
+        } else if (child.name == QLatin1String("object")) {
+            m_currentUuid = child.attributes.value(QStringLiteral("uuid"));
+            m_currentAttributes = attributeChildren(child);
+            OssSerializableObject *sub = object->onLoadSubObject(
+                *this, childName, child.attributes.value(QStringLiteral("type")));
+            if (sub)
+                apply(child, sub);
+        }
+        // Anything else belongs to a later or foreign writer and is skipped.
+    }
+    object->onLoadFinished();
+}
