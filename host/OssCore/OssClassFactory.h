@@ -48,14 +48,14 @@ private:
 
 // Declares and defines the factory of ClassName, named Oss<ClassName>ClassFactory as the host's
 // convention has it. ClassName must be constructible from a QObject* parent.
-#define OSS_DECLARE_CLASS_FACTORY(ClassName)                                                      \
-    class Oss##ClassName##ClassFactory : public OssClassFactory                                   \
-    {                                                                                             \
-    public:                                                                                       \
-        QPointer<QObject> create(QObject *object) override                                        \
-        {                                                                                         \
-            return QPointer<QObject>(new ClassName(object));                                      \
-        }                                                                                         \
-        QString className() const override { return QStringLiteral(#ClassName); }                 \
-        QString name() const override { return className(); }                                     \
+#define OSS_DECLARE_CLASS_FACTORY(ClassName)                                                       \
+    class Oss##ClassName##ClassFactory : public OssClassFactory                                    \
+    {                                                                                              \
+    public:                                                                                        \
+        QPointer<QObject> create(QObject *object) override                                         \
+        {                                                                                          \
+            return QPointer<QObject>(new ClassName(object));                                       \
+        }                                                                                          \
+        QString className() const override { return QStringLiteral(#ClassName); }                  \
+        QString name() const override { return className(); }                                      \
     };

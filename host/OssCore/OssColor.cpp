@@ -9,9 +9,9 @@ namespace {
 const int ossColorTypeId = qRegisterMetaType<OssColor>("OssColor");
 } // namespace
 
-OssColor::OssColor(double r, double g, double b, double a) : m_r(r), m_g(g), m_b(b), m_a(a), m_valid(true)
-{
-}
+OssColor::OssColor(double r, double g, double b, double a)
+    : m_r(r), m_g(g), m_b(b), m_a(a), m_valid(true)
+{}
 
 OssColor::OssColor(const QColor &color)
 {

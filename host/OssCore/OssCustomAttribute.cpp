@@ -12,8 +12,7 @@ const int userEnumTypeId = qRegisterMetaType<OssUserEnum>("OssUserEnum");
 OssCustomAttribute::OssCustomAttribute(const QString &name, const QVariant &value,
                                        const QString &prettyName, bool visible)
     : m_name(name), m_prettyName(prettyName), m_value(value), m_visible(visible)
-{
-}
+{}
 
 QString OssCustomAttribute::typeName() const
 {

@@ -83,10 +83,9 @@ std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QS
         const QString what = reader.error() == QXmlStreamReader::PrematureEndOfDocumentError
                                  ? QStringLiteral("the file is truncated (%1)")
                                  : QStringLiteral("the file is not a valid document (%1)");
-        return fail(what.arg(reader.errorString()) +
-                    QStringLiteral(" at line %1, column %2")
-                        .arg(reader.lineNumber())
-                        .arg(reader.columnNumber()));
+        return fail(what.arg(reader.errorString()) + QStringLiteral(" at line %1, column %2")
+                                                         .arg(reader.lineNumber())
+                                                         .arg(reader.columnNumber()));
     }
     if (!document)
         return fail(QStringLiteral("the file holds no document"));
@@ -107,13 +106,12 @@ std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QS
     for (const auto &child : document->children)
         objects += child->name == QLatin1String("object") ? 1 : 0;
     if (objects != 1)
-        return fail(QStringLiteral("the document holds %1 top-level objects instead of one")
-                        .arg(objects));
+        return fail(
+            QStringLiteral("the document holds %1 top-level objects instead of one").arg(objects));
     return document;
 }
 
-bool OssDeserializer::loadFromFile(const QString &path, OssSerializableObject *root,
-                                   QString *error)
+bool OssDeserializer::loadFromFile(const QString &path, OssSerializableObject *root, QString *error)
 {
     m_source = path;
     QFile file(path);
@@ -124,7 +122,8 @@ bool OssDeserializer::loadFromFile(const QString &path, OssSerializableObject *r
     }
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
-            *error = QStringLiteral("\"%1\": cannot open the file (%2)").arg(path, file.errorString());
+            *error =
+                QStringLiteral("\"%1\": cannot open the file (%2)").arg(path, file.errorString());
         return false;
     }
     return loadFromData(file.readAll(), root, error, path);
@@ -187,17 +186,17 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
             const QVariant value = OssSerializer::textToVariant(
                 child.text, child.attributes.value(QStringLiteral("type")), &ok);
             if (!ok || !meta->property(index).write(object, value))
-                m_warnings.append(QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
-                                      .arg(childName, QString::fromLatin1(meta->className()),
-                                           child.text));
+                m_warnings.append(
+                    QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
+                        .arg(childName, QString::fromLatin1(meta->className()), child.text));
         } else if (child.name == QLatin1String("userAttribute")) {
             bool ok = false;
             const QVariant value = OssSerializer::textToVariant(
                 child.text, child.attributes.value(QStringLiteral("type")), &ok);
             if (!ok) {
-                m_warnings.append(
-                    QStringLiteral("user attribute \"%1\": cannot use \"%2\" as %3")
-                        .arg(childName, child.text, child.attributes.value(QStringLiteral("type"))));
+                m_warnings.append(QStringLiteral("user attribute \"%1\": cannot use \"%2\" as %3")
+                                      .arg(childName, child.text,
+                                           child.attributes.value(QStringLiteral("type"))));
                 continue;
             }
             object->setUserAttribute(OssCustomAttribute(

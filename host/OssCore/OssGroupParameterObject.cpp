@@ -14,8 +14,8 @@ QString OssGroupParameterObject::prettyPropertyName(const QString &Name) const
         }
         const QChar previous = Name.at(i - 1);
         const bool hump = c.isUpper() && (previous.isLower() || previous.isDigit());
-        const bool acronymEnd = c.isUpper() && previous.isUpper() && i + 1 < Name.size() &&
-                                Name.at(i + 1).isLower();
+        const bool acronymEnd =
+            c.isUpper() && previous.isUpper() && i + 1 < Name.size() && Name.at(i + 1).isLower();
         if (c == QLatin1Char('_')) {
             result.append(QLatin1Char(' '));
             continue;

@@ -63,7 +63,8 @@ bool OssPreference::reset() const
 {
     if (!object)
         return false;
-    const QByteArray slot = (QStringLiteral("reset") + capitalised(key) + QStringLiteral("()")).toLatin1();
+    const QByteArray slot =
+        (QStringLiteral("reset") + capitalised(key) + QStringLiteral("()")).toLatin1();
     const int index = object->metaObject()->indexOfMethod(slot.constData());
     if (index < 0)
         return false;

@@ -18,12 +18,12 @@ struct OSSCORE_EXPORT OssPreference
 
     enum class Editor
     {
-        ComboBox, // the property has a <key>List() of allowed values
-        EnumComboBox, // the property is a registered enumeration: a combo of its keys
-        CheckBox, // bool
-        SpinBox, // int
+        ComboBox,      // the property has a <key>List() of allowed values
+        EnumComboBox,  // the property is a registered enumeration: a combo of its keys
+        CheckBox,      // bool
+        SpinBox,       // int
         DoubleSpinBox, // double
-        LineEdit, // anything else
+        LineEdit,      // anything else
     };
 
     bool isValid() const;

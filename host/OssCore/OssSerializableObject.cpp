@@ -103,13 +103,12 @@ OssSerializableObject *OssSerializableObject::onLoadSubObject(OssDeserializer &,
 
 void OssSerializableObject::onLoadCollectionObject(const QString &, const QString &,
                                                    const QString &, int, const OssStringMap &)
-{
-}
+{}
 
 void OssSerializableObject::onEndCollection(const QString &, const QString &, const QString &) {}
 
-bool OssSerializableObject::onLoadCollection(const QString &, const QString &, const QString &,
-                                             int, const OssStringMap &)
+bool OssSerializableObject::onLoadCollection(const QString &, const QString &, const QString &, int,
+                                             const OssStringMap &)
 {
     return true;
 }

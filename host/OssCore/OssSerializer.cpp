@@ -288,7 +288,8 @@ void OssSerializer::writeObject(OssSerializableObject *object, const QString &na
     QXmlStreamWriter &w = *m_writer;
     w.writeStartElement(QStringLiteral("object"));
     w.writeAttribute(QStringLiteral("name"), name);
-    w.writeAttribute(QStringLiteral("type"), QString::fromLatin1(object->metaObject()->className()));
+    w.writeAttribute(QStringLiteral("type"),
+                     QString::fromLatin1(object->metaObject()->className()));
     w.writeAttribute(QStringLiteral("uuid"), object->uuidString());
     for (const OssStringMap::Entry &entry : attributes) {
         w.writeStartElement(QStringLiteral("attribute"));

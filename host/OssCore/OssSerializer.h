@@ -36,7 +36,8 @@ public:
     OssSerializer &operator=(const OssSerializer &) = delete;
 
     // Writes Root as the document's one top-level object.
-    QByteArray saveToData(OssSerializableObject *root, const QString &name = QStringLiteral("root"));
+    QByteArray saveToData(OssSerializableObject *root,
+                          const QString &name = QStringLiteral("root"));
     // Writes to a file through a temporary file, so a failed save leaves the old file intact.
     bool saveToFile(const QString &path, OssSerializableObject *root, QString *error,
                     const QString &name = QStringLiteral("root"));

@@ -11,12 +11,11 @@ QString &overrideDirectory()
 } // namespace
 
 OssSettings::OssSettings(QObject *parent)
-    : QSettings(storageFile().isEmpty() ? QSettings(QStringLiteral("Ossa"), QStringLiteral("Ossa"))
-                                              .fileName()
-                                        : storageFile(),
+    : QSettings(storageFile().isEmpty()
+                    ? QSettings(QStringLiteral("Ossa"), QStringLiteral("Ossa")).fileName()
+                    : storageFile(),
                 storageFile().isEmpty() ? QSettings::NativeFormat : QSettings::IniFormat, parent)
-{
-}
+{}
 
 void OssSettings::setStorageDirectory(const QString &directory)
 {

@@ -54,10 +54,12 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("expected");
 
-        QTest::newRow("plain") << "[ -- ] m_network is NULL" << "[ -- ] m_network is NULL";
+        QTest::newRow("plain") << "[ -- ] m_network is NULL"
+                               << "[ -- ] m_network is NULL";
         QTest::newRow("banner") << "[ Plugin ] Shader Network - Node Graph View Context"
                                 << "[ Plugin ] Shader Network - Node Graph View Context";
-        QTest::newRow("utf-8") << "[ !! ] Knoten «Mischung» ✓" << "[ !! ] Knoten «Mischung» ✓";
+        QTest::newRow("utf-8") << "[ !! ] Knoten «Mischung» ✓"
+                               << "[ !! ] Knoten «Mischung» ✓";
     }
 
     void debugLines()
@@ -78,7 +80,8 @@ private slots:
         OssDebug(__FILE__, __LINE__, "[ -- ] %s has %d inputs, scale %f", "Merge", 3, 0.5);
         OssDebug(__FILE__, __LINE__, "[ !! ] view %p", static_cast<void *>(&value));
         OssDebug(__FILE__, __LINE__, "[ !! ] view %p", static_cast<void *>(nullptr));
-        QCOMPARE(capture.messages().at(0), QStringLiteral("[ -- ] Merge has 3 inputs, scale 0.500000"));
+        QCOMPARE(capture.messages().at(0),
+                 QStringLiteral("[ -- ] Merge has 3 inputs, scale 0.500000"));
         QCOMPARE(capture.messages().at(1),
                  QStringLiteral("[ !! ] view 0x%1").arg(quintptr(&value), 0, 16));
         // glibc writes a null pointer as "(nil)".
@@ -98,8 +101,8 @@ private slots:
             QCOMPARE(inner.messages(), QStringList{QStringLiteral("two")});
         }
         OssDebug(__FILE__, __LINE__, "three");
-        QCOMPARE(outer->messages(),
-                 QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+        QCOMPARE(outer->messages(), QStringList({QStringLiteral("one"), QStringLiteral("two"),
+                                                 QStringLiteral("three")}));
         QCOMPARE(outer->count(QStringLiteral("two")), 1);
         outer.reset();
         // No sink left behind: writing after the captures are gone must not touch freed memory.
@@ -157,10 +160,17 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("fullPath");
 
-        QTest::newRow("trailing slash") << "/Ossa/NodeGraph/" << "Autoplace" << "/Ossa/NodeGraph/Autoplace";
-        QTest::newRow("no trailing slash") << "/Ossa/NodeGraph" << "Autoplace" << "/Ossa/NodeGraphAutoplace";
-        QTest::newRow("no leading slash") << "Ossa/NodeGraph/" << "Autoplace" << "Ossa/NodeGraph/Autoplace";
-        QTest::newRow("empty menu folder") << "/Ossa/NodeGraph/Create/" << "Foo"
+        QTest::newRow("trailing slash") << "/Ossa/NodeGraph/"
+                                        << "Autoplace"
+                                        << "/Ossa/NodeGraph/Autoplace";
+        QTest::newRow("no trailing slash") << "/Ossa/NodeGraph"
+                                           << "Autoplace"
+                                           << "/Ossa/NodeGraphAutoplace";
+        QTest::newRow("no leading slash") << "Ossa/NodeGraph/"
+                                          << "Autoplace"
+                                          << "Ossa/NodeGraph/Autoplace";
+        QTest::newRow("empty menu folder") << "/Ossa/NodeGraph/Create/"
+                                           << "Foo"
                                            << "/Ossa/NodeGraph/Create/Foo";
     }
 

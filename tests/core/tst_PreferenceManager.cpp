@@ -111,7 +111,8 @@ private slots:
     void registrationOrder()
     {
         OssPreferenceManager *manager = OssPreferenceManager::instance();
-        QCOMPARE(manager->pages(), QStringList({QStringLiteral("Node Graph"), QStringLiteral("Viewport")}));
+        QCOMPARE(manager->pages(),
+                 QStringList({QStringLiteral("Node Graph"), QStringLiteral("Viewport")}));
         QCOMPARE(manager->groups(QStringLiteral("Node Graph")),
                  QStringList({QStringLiteral("General"), QStringLiteral("Shake to Extract")}));
         QStringList keys;
@@ -132,20 +133,29 @@ private slots:
         QTest::addColumn<int>("editor");
 
         QTest::newRow("string with a list")
-            << "controlType" << "Control Type" << "How the view navigates."
+            << "controlType"
+            << "Control Type"
+            << "How the view navigates."
             << QStringList{QStringLiteral("Kova"), QStringLiteral("Ossa")}
             << QVariant(QStringLiteral("Kova")) << int(OssPreference::Editor::ComboBox);
-        QTest::newRow("bool") << "isAutoInsertOn" << "Auto Insert Node" << "" << QStringList()
-                              << QVariant() << int(OssPreference::Editor::CheckBox);
+        QTest::newRow("bool") << "isAutoInsertOn"
+                              << "Auto Insert Node"
+                              << "" << QStringList() << QVariant()
+                              << int(OssPreference::Editor::CheckBox);
         QTest::newRow("registered enum")
-            << "zoomTo" << "Zoom To" << "Which point to anchor\n"
+            << "zoomTo"
+            << "Zoom To"
+            << "Which point to anchor\n"
             << QStringList{QStringLiteral("Center"), QStringLiteral("Cursor")} << QVariant()
             << int(OssPreference::Editor::EnumComboBox);
         QTest::newRow("int with default")
-            << "shakeToExtractTime" << "Shake To Extract Time" << "" << QStringList()
-            << QVariant(500) << int(OssPreference::Editor::SpinBox);
-        QTest::newRow("plain string") << "title" << "Title" << "" << QStringList() << QVariant()
-                                      << int(OssPreference::Editor::LineEdit);
+            << "shakeToExtractTime"
+            << "Shake To Extract Time"
+            << "" << QStringList() << QVariant(500) << int(OssPreference::Editor::SpinBox);
+        QTest::newRow("plain string")
+            << "title"
+            << "Title"
+            << "" << QStringList() << QVariant() << int(OssPreference::Editor::LineEdit);
     }
 
     void readsThroughNamedSlots()
@@ -169,8 +179,8 @@ private slots:
     void writesAndResets()
     {
         OssPreferenceManager *manager = OssPreferenceManager::instance();
-        const OssPreference control = manager->find(QStringLiteral("Node Graph"),
-                                                    QStringLiteral("controlType"));
+        const OssPreference control =
+            manager->find(QStringLiteral("Node Graph"), QStringLiteral("controlType"));
         QSignalSpy spy(&m_object, &Preferences::controlTypeChanged);
         QVERIFY(control.setValue(QStringLiteral("Ossa")));
         QCOMPARE(m_object.controlType(), QStringLiteral("Ossa"));
@@ -180,7 +190,8 @@ private slots:
         QCOMPARE(m_object.controlType(), QStringLiteral("Kova"));
         QCOMPARE(control.notifySignal(), QByteArray("2controlTypeChanged(QString)"));
 
-        const OssPreference zoom = manager->find(QStringLiteral("Node Graph"), QStringLiteral("zoomTo"));
+        const OssPreference zoom =
+            manager->find(QStringLiteral("Node Graph"), QStringLiteral("zoomTo"));
         QVERIFY(zoom.setValue(0));
         QCOMPARE(m_object.zoomTo(), Preferences::Center);
         QVERIFY(!zoom.reset()); // there is no resetZoomTo()
@@ -201,8 +212,8 @@ private slots:
         OssPreferenceManager *manager = OssPreferenceManager::instance();
         {
             Preferences temporary;
-            manager->registerPreference(QStringLiteral("Temporary"), QStringLiteral("G"), &temporary,
-                                        QStringLiteral("title"));
+            manager->registerPreference(QStringLiteral("Temporary"), QStringLiteral("G"),
+                                        &temporary, QStringLiteral("title"));
             QVERIFY(manager->pages().contains(QStringLiteral("Temporary")));
         }
         QVERIFY(!manager->pages().contains(QStringLiteral("Temporary")));

@@ -77,8 +77,8 @@ public:
         for (int i = 0; i < keys.size(); ++i)
             attributes.insert(QStringLiteral("map%1").arg(i),
                               keys.at(i) + QLatin1Char(':') + m_positions.value(keys.at(i)));
-        serializer.beginCollection(QStringLiteral("m_positions"), keys.size(), QStringLiteral("QHash"),
-                                   QStringLiteral("QString"), attributes);
+        serializer.beginCollection(QStringLiteral("m_positions"), keys.size(),
+                                   QStringLiteral("QHash"), QStringLiteral("QString"), attributes);
         serializer.endCollection();
         serializer.beginCollection(QStringLiteral("m_elements"), m_elements.size(),
                                    QStringLiteral("QList"), QStringLiteral("OssStringMap"), {});
@@ -134,7 +134,7 @@ void fill(SampleObject &object)
     object.m_locked = true;
     object.m_colorTop = QStringLiteral("0.5 0.25 0 1");
     object.m_tags = QStringList{QStringLiteral("_input"), QStringLiteral("semi;colon"), QString(),
-                     QStringLiteral("back\\slash")};
+                                QStringLiteral("back\\slash")};
     object.m_background = QColor(10, 20, 30, 40);
     object.m_position = QPointF(-12.5, 1e6 / 3);
     object.m_pixmapOffset = QPoint(-4, 9);
@@ -147,13 +147,12 @@ void fill(SampleObject &object)
                                                QStringLiteral("Dirt <layer> & \"wear\""),
                                                QStringLiteral("Title")));
     object.setUserAttribute(OssCustomAttribute(QStringLiteral("ZOrder"), -3, {}, false));
-    object.setUserAttribute(OssCustomAttribute(
-        QStringLiteral("BackgroundColor"), QVariant::fromValue(OssColor(1, 0.5, 0.25, 1))));
+    object.setUserAttribute(OssCustomAttribute(QStringLiteral("BackgroundColor"),
+                                               QVariant::fromValue(OssColor(1, 0.5, 0.25, 1))));
     object.setUserAttribute(
         OssCustomAttribute(QStringLiteral("BlendColorSpaceEnabled"),
-                           QVariant::fromValue(OssUserEnum({QStringLiteral("Disable"),
-                                                            QStringLiteral("Enable")},
-                                                           1))));
+                           QVariant::fromValue(OssUserEnum(
+                               {QStringLiteral("Disable"), QStringLiteral("Enable")}, 1))));
     object.m_positions.insert(QStringLiteral("Base"), QStringLiteral("10,-4,32,-4"));
     object.m_positions.insert(QStringLiteral("Mask"), QStringLiteral("0,0,0,0"));
     OssStringMap element;
@@ -238,8 +237,7 @@ private slots:
         QCOMPARE(loaded.m_transient, 0);
         QCOMPARE(loaded.m_collectionsEnded, 2);
         QCOMPARE(loaded.m_children[0]->m_children[0]->m_shapeType, 4);
-        QCOMPARE(OssObjectReferenceManager::instance()->getPointer(loaded.uuidString()),
-                 &loaded);
+        QCOMPARE(OssObjectReferenceManager::instance()->getPointer(loaded.uuidString()), &loaded);
 
         // Saving what was loaded gives the same bytes.
         QFile file(path);
@@ -256,7 +254,8 @@ private slots:
         object.m_elements.append(element);
         SampleObject loaded;
         QString error;
-        QVERIFY(OssDeserializer().loadFromData(OssSerializer().saveToData(&object), &loaded, &error));
+        QVERIFY(
+            OssDeserializer().loadFromData(OssSerializer().saveToData(&object), &loaded, &error));
         QCOMPARE(loaded.m_elements.value(0).keys(), element.keys());
     }
 
@@ -393,9 +392,9 @@ private slots:
         QTest::newRow("list") << QVariant(QStringList{QStringLiteral("a;b"), QStringLiteral("c")})
                               << "a\\;b;c";
         QTest::newRow("OssColor") << QVariant::fromValue(OssColor(1, 0.5, 0, 1)) << "1 0.5 0 1";
-        QTest::newRow("user enum")
-            << QVariant::fromValue(OssUserEnum({QStringLiteral("Disable"), QStringLiteral("Enable")}, 0))
-            << "0:Disable|Enable";
+        QTest::newRow("user enum") << QVariant::fromValue(OssUserEnum(
+                                          {QStringLiteral("Disable"), QStringLiteral("Enable")}, 0))
+                                   << "0:Disable|Enable";
     }
 
     void valueText()

@@ -16,9 +16,9 @@ QList<int> g_values;
 class AppendStep : public QUndoCommand
 {
 public:
-    explicit AppendStep(int value) : QUndoCommand(QStringLiteral("Append %1").arg(value)), m_value(value)
-    {
-    }
+    explicit AppendStep(int value)
+        : QUndoCommand(QStringLiteral("Append %1").arg(value)), m_value(value)
+    {}
     void redo() override { g_values.append(m_value); }
     void undo() override { g_values.removeLast(); }
 
@@ -84,18 +84,31 @@ private slots:
         QTest::addColumn<QString>("undoText");
         QTest::addColumn<QString>("afterOneUndo");
 
-        QTest::newRow("plain steps") << "+1 +2" << "1 2" << 2 << "Append 2" << "1";
-        QTest::newRow("macro folds its steps") << "[Move +1 +2 +3 ]" << "1 2 3" << 1 << "Move" << "";
-        QTest::newRow("nested macros fold into the outermost")
-            << "+7 [Outer +1 [Inner +2 ] +3 ]" << "7 1 2 3" << 2 << "Outer" << "7";
-        QTest::newRow("empty macro leaves no step") << "+5 [Nothing ]" << "5" << 1 << "Append 5" << "";
-        QTest::newRow("cancel discards the macro")
-            << "+5 [Cut +1 +2 ! ]" << "5" << 1 << "Append 5" << "";
+        QTest::newRow("plain steps") << "+1 +2"
+                                     << "1 2" << 2 << "Append 2"
+                                     << "1";
+        QTest::newRow("macro folds its steps") << "[Move +1 +2 +3 ]"
+                                               << "1 2 3" << 1 << "Move"
+                                               << "";
+        QTest::newRow("nested macros fold into the outermost") << "+7 [Outer +1 [Inner +2 ] +3 ]"
+                                                               << "7 1 2 3" << 2 << "Outer"
+                                                               << "7";
+        QTest::newRow("empty macro leaves no step") << "+5 [Nothing ]"
+                                                    << "5" << 1 << "Append 5"
+                                                    << "";
+        QTest::newRow("cancel discards the macro") << "+5 [Cut +1 +2 ! ]"
+                                                   << "5" << 1 << "Append 5"
+                                                   << "";
         QTest::newRow("cancel of an inner macro keeps the outer work")
-            << "[Drop +1 [Create +2 +3 ! ] +4 ]" << "1 4" << 1 << "Drop" << "";
-        QTest::newRow("steps after a cancel are still recorded")
-            << "[Bake +1 ! +2 ]" << "2" << 1 << "Bake" << "";
-        QTest::newRow("cancel twice is harmless") << "[Bake +1 ! ! ]" << "" << 0 << "" << "";
+            << "[Drop +1 [Create +2 +3 ! ] +4 ]"
+            << "1 4" << 1 << "Drop"
+            << "";
+        QTest::newRow("steps after a cancel are still recorded") << "[Bake +1 ! +2 ]"
+                                                                 << "2" << 1 << "Bake"
+                                                                 << "";
+        QTest::newRow("cancel twice is harmless") << "[Bake +1 ! ! ]"
+                                                  << "" << 0 << ""
+                                                  << "";
     }
 
     void macros()
