@@ -1,0 +1,120 @@
+#include "OssActionTreeManager.h"
+#include "OssMenuManager.h"
+#include "OssPalette.h"
+#include "OssTestEnvironment.h"
+
+#include <QAction>
+#include <QFile>
+#include <QLabel>
+#include <QtTest>
+
+#include <memory>
+
+class tst_PalettesAndMenus : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void paletteRegistry()
+    {
+        OssPaletteManager *manager = OssPaletteManager::instance();
+        QSignalSpy registered(manager, &OssPaletteManager::paletteRegistered);
+        auto palette = std::make_unique<OssPalette>();
+        palette->setObjectName(QStringLiteral("Node Graph"));
+        palette->setWindowTitle(QStringLiteral("Node Graph"));
+        palette->setContextHelpKey(QStringLiteral("node_graph_palette"));
+        QPointer<QLabel> first = new QLabel(QStringLiteral("first"));
+        palette->setBodyWidget(first);
+        auto *second = new QLabel(QStringLiteral("second"));
+        palette->setBodyWidget(second);
+        QVERIFY(first.isNull());
+        QCOMPARE(palette->originalWidget(), second);
+        QCOMPARE(second->parentWidget(), palette.get());
+
+        QVERIFY(manager->registerPalette(palette.get(), OssPaletteManager::NoFlags,
+                                         QStringLiteral("/icons/NodeGraph.png")));
+        QCOMPARE(registered.count(), 1);
+        QCOMPARE(manager->find(QStringLiteral("Node Graph")), palette.get());
+        QCOMPARE(manager->iconPath(palette.get()), QStringLiteral("/icons/NodeGraph.png"));
+        QCOMPARE(manager->find(QStringLiteral("Node Graph"), OssPaletteManager::VisibleOnly),
+                 nullptr);
+
+        OssPalette sameName;
+        sameName.setObjectName(QStringLiteral("Node Graph"));
+        QVERIFY(!manager->registerPalette(&sameName));
+        OssPalette unnamed;
+        QVERIFY(!manager->registerPalette(&unnamed));
+
+        QSignalSpy shown(palette.get(), &OssPalette::showRequested);
+        palette->showBySidebar();
+        QCOMPARE(shown.count(), 1);
+        QVERIFY(palette->isVisible());
+        QCOMPARE(manager->find(QStringLiteral("Node Graph"), OssPaletteManager::VisibleOnly),
+                 palette.get());
+
+        palette.reset();
+        QCOMPARE(manager->find(QStringLiteral("Node Graph")), nullptr);
+    }
+
+    void menusFromDefinitions()
+    {
+        QAction autoplace(QStringLiteral("Autoplace"));
+        QAction up(QStringLiteral("Select Upstream"));
+        OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/NodeGraph/"),
+                                                         &autoplace);
+        OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/NodeGraph/"), &up);
+
+        const QString path = m_environment.scratchDirectory() + QStringLiteral("/menus.xml");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<menus><menu group=\"Context\" name=\"NodeGraph\">"
+                   "<action path=\"/Ossa/NodeGraph/Autoplace\"/><separator/>"
+                   "<submenu title=\"Select\"><action path=\"/Ossa/NodeGraph/Select Upstream\"/>"
+                   "<action path=\"/Ossa/NodeGraph/Missing\"/></submenu>"
+                   "</menu></menus>");
+        file.close();
+
+        OssMenuManager *menus = OssMenuManager::instance();
+        QString error;
+        QVERIFY2(menus->loadDefinitions(path, &error), qPrintable(error));
+        std::unique_ptr<OssMenu> menu(
+            menus->makeMenu(QStringLiteral("Context"), QStringLiteral("NodeGraph")));
+        QVERIFY(menu);
+        const QList<QAction *> entries = menu->actions();
+        QCOMPARE(entries.size(), 3);
+        QCOMPARE(entries.at(0), &autoplace);
+        QVERIFY(entries.at(1)->isSeparator());
+        QVERIFY(entries.at(2)->menu());
+        QCOMPARE(entries.at(2)->menu()->title(), QStringLiteral("Select"));
+        QCOMPARE(entries.at(2)->menu()->actions(), QList<QAction *>{&up});
+        QVERIFY(!menus->makeMenu(QStringLiteral("Context"), QStringLiteral("Nothing")));
+
+        menu->setShortcutGroup(QStringLiteral("Node Graph"));
+        QCOMPARE(menu->shortcutGroup(), QStringLiteral("Node Graph"));
+    }
+
+    void brokenMenuFileChangesNothing()
+    {
+        OssMenuManager *menus = OssMenuManager::instance();
+        menus->setDefinition(QStringLiteral("Context"), QStringLiteral("Kept"),
+                             {QStringLiteral("-")});
+        const QString path = m_environment.scratchDirectory() + QStringLiteral("/broken.xml");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<menus><menu group=\"Context\" name=\"Kept\"><separator/><separator/>");
+        file.close();
+        QString error;
+        QVERIFY(!menus->loadDefinitions(path, &error));
+        QVERIFY2(error.startsWith(QLatin1Char('"') + path), qPrintable(error));
+        QCOMPARE(menus->definition(QStringLiteral("Context"), QStringLiteral("Kept")),
+                 QStringList{QStringLiteral("-")});
+        QVERIFY(!menus->loadDefinitions(path + QStringLiteral(".missing"), &error));
+        QVERIFY(error.contains(QLatin1String("cannot open")));
+    }
+
+private:
+    OssTestEnvironment m_environment;
+};
+
+QTEST_MAIN(tst_PalettesAndMenus)
+#include "tst_PalettesAndMenus.moc"
