@@ -1,0 +1,171 @@
+#pragma once
+
+#include "OssSerializableObject.h"
+
+#include <QStringList>
+
+// The one process-wide object that ties the node graph to the host: scenes per network, the two
+// palettes, the host's network, node and project signals, and the node-graph preferences.
+class OssSnNodeGraphViewContextManager : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString controlType READ controlType WRITE setControlType RESET resetControlType
+                   NOTIFY controlTypeChanged)
+    Q_PROPERTY(QString defaultNodePortDisplayMode READ defaultNodePortDisplayMode WRITE
+                   setDefaultNodePortDisplayMode RESET resetDefaultNodePortDisplayMode NOTIFY
+                       defaultNodePortDisplayModeChanged)
+    Q_PROPERTY(bool isAutoInsertOn READ isAutoInsertOn WRITE setIsAutoInsertOn RESET
+                   resetIsAutoInsertOn NOTIFY isAutoInsertOnChanged)
+    Q_PROPERTY(ZoomTo zoomTo READ zoomTo WRITE setZoomTo RESET resetZoomTo NOTIFY zoomToChanged)
+    Q_PROPERTY(QString autoUpdateUpstreamMergeNodeColorspaceEnabled READ
+                   autoUpdateUpstreamMergeNodeColorspaceEnabled WRITE
+                       setAutoUpdateUpstreamMergeNodeColorspaceEnabled RESET
+                           resetAutoUpdateUpstreamMergeNodeColorspaceEnabled NOTIFY
+                               autoUpdateUpstreamMergeNodeColorspaceEnabledChanged)
+    Q_PROPERTY(DefaultMCMCollapsedState defaultMCMCollapsedState READ defaultMCMCollapsedState WRITE
+                   setDefaultMCMCollapsedState RESET resetDefaultMCMCollapsedState NOTIFY
+                       defaultMCMCollapsedStateChanged)
+    Q_PROPERTY(bool shakeToExtractEnabled READ shakeToExtractEnabled WRITE setShakeToExtractEnabled
+                   RESET resetShakeToExtractEnabled NOTIFY shakeToExtractEnabledChanged)
+    Q_PROPERTY(int shakeToExtractShakes READ shakeToExtractShakes WRITE setShakeToExtractShakes
+                   RESET resetShakeToExtractShakes NOTIFY shakeToExtractShakesChanged)
+    Q_PROPERTY(int shakeToExtractTime READ shakeToExtractTime WRITE setShakeToExtractTime RESET
+                   resetShakeToExtractTime NOTIFY shakeToExtractTimeChanged)
+    Q_PROPERTY(int numberOfLastUsedNodePathsToStore READ numberOfLastUsedNodePathsToStore WRITE
+                   setNumberOfLastUsedNodePathsToStore RESET resetNumberOfLastUsedNodePathsToStore
+                       NOTIFY numberOfLastUsedNodePathsToStoreChanged)
+
+public:
+    enum ZoomTo
+    {
+        Center = 0,
+        Cursor = 1
+    };
+    Q_ENUM(ZoomTo)
+
+    enum DefaultMCMCollapsedState
+    {
+        Expanded = 0,
+        StreamCollapsed = 1,
+        ConnectedOnly = 2,
+        Collapsed = 3
+    };
+    Q_ENUM(DefaultMCMCollapsedState)
+
+    // Index into the port display list.
+    enum DefaultNodePortDisplayMode
+    {
+        ShowPortList = 0,
+        NoPortList = 1
+    };
+
+    static OssSnNodeGraphViewContextManager *instance();
+    ~OssSnNodeGraphViewContextManager() override;
+
+    QString prettyPropertyName(const QString &Name) const override;
+
+    // The entries of the port display list, in index order.
+    static const QStringList &portDisplayList();
+
+public slots:
+    QString controlType() const { return m_controlType; }
+    void setControlType(const QString &Value);
+    void resetControlType();
+    QString controlTypeDefault() const;
+    QStringList controlTypeList() const;
+    QString controlTypeTooltip() const;
+
+    QString defaultNodePortDisplayMode() const;
+    int defaultNodePortDisplayModeAsEnum() const { return m_portDisplayIndex; }
+    void setDefaultNodePortDisplayMode(const QString &Mode);
+    void resetDefaultNodePortDisplayMode();
+    QStringList defaultNodePortDisplayModeList() const { return portDisplayList(); }
+    QString defaultNodePortDisplayModeTooltip() const;
+
+    bool isAutoInsertOn() const { return m_isAutoInsertOn; }
+    void setIsAutoInsertOn(bool Value);
+    void resetIsAutoInsertOn();
+    QString isAutoInsertOnTooltip() const;
+
+    ZoomTo zoomTo() const { return m_zoomTo; }
+    int zoomToAsInt() const { return int(m_zoomTo); }
+    void setZoomTo(ZoomTo Value);
+    void setZoomTo(int Value);
+    void resetZoomTo();
+    QString zoomToTooltip() const;
+
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabled() const { return m_colorspaceBehaviour; }
+    void setAutoUpdateUpstreamMergeNodeColorspaceEnabled(const QString &Value);
+    void resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabledDefault() const;
+    QStringList autoUpdateUpstreamMergeNodeColorspaceEnabledList() const;
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabledTooltip() const;
+
+    DefaultMCMCollapsedState defaultMCMCollapsedState() const { return m_collapsedState; }
+    int defaultMCMCollapsedStateAsInt() const { return int(m_collapsedState); }
+    void setDefaultMCMCollapsedState(DefaultMCMCollapsedState Value);
+    void setDefaultMCMCollapsedState(int Value);
+    void resetDefaultMCMCollapsedState();
+    QString defaultMCMCollapsedStateTooltip() const;
+
+    bool shakeToExtractEnabled() const { return m_shakeToExtractEnabled; }
+    void setShakeToExtractEnabled(bool Value);
+    void resetShakeToExtractEnabled();
+    void toggleShakeToExtractEnabled();
+    bool shakeToExtractEnabledDefault() const { return true; }
+    QString shakeToExtractEnabledTooltip() const;
+
+    int shakeToExtractShakes() const { return m_shakeToExtractShakes; }
+    void setShakeToExtractShakes(int Value);
+    void resetShakeToExtractShakes();
+    int shakeToExtractShakesDefault() const { return 4; }
+    QString shakeToExtractShakesTooltip() const;
+
+    int shakeToExtractTime() const { return m_shakeToExtractTime; }
+    void setShakeToExtractTime(int Value);
+    void resetShakeToExtractTime();
+    int shakeToExtractTimeDefault() const { return 500; }
+    QString shakeToExtractTimeTooltip() const;
+
+    int numberOfLastUsedNodePathsToStore() const { return m_numberOfLastUsedNodePaths; }
+    void setNumberOfLastUsedNodePathsToStore(int Value);
+    void resetNumberOfLastUsedNodePathsToStore();
+    int numberOfLastUsedNodePathsToStoreDefault() const { return 5; }
+    QString numberOfLastUsedNodePathsToStoreTooltip() const;
+
+    void savePreferences();
+    void loadPreferences();
+
+    // Every node's view context re-applies its port visibility.
+    void updatePortVisibility();
+
+signals:
+    void controlTypeChanged(QString Value);
+    void defaultNodePortDisplayModeChanged(QString Mode);
+    void isAutoInsertOnChanged(bool Value);
+    void zoomToChanged(OssSnNodeGraphViewContextManager::ZoomTo Value);
+    void zoomToChangedAsInt(int Value);
+    void autoUpdateUpstreamMergeNodeColorspaceEnabledChanged(QString Value);
+    void defaultMCMCollapsedStateChanged(
+        OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState Value);
+    void defaultMCMCollapsedStateChangedAsInt(int Value);
+    void shakeToExtractEnabledChanged(bool Value);
+    void shakeToExtractShakesChanged(int Value);
+    void shakeToExtractTimeChanged(int Value);
+    void numberOfLastUsedNodePathsToStoreChanged(int Value);
+
+private:
+    OssSnNodeGraphViewContextManager();
+    void registerPreferences();
+
+    int m_portDisplayIndex = ShowPortList;
+    bool m_isAutoInsertOn = true;
+    ZoomTo m_zoomTo = Cursor;
+    QString m_controlType = QStringLiteral("Kova");
+    QString m_colorspaceBehaviour;
+    DefaultMCMCollapsedState m_collapsedState = StreamCollapsed;
+    bool m_shakeToExtractEnabled = true;
+    int m_shakeToExtractShakes = 4;
+    int m_shakeToExtractTime = 500;
+    int m_numberOfLastUsedNodePaths = 5;
+};
