@@ -1,0 +1,47 @@
+#pragma once
+
+#include "BenchGraph.h"
+
+#include <QString>
+
+class QGraphicsScene;
+class QGraphicsView;
+
+// One system under measurement: it builds a generated graph into a scene shown by a view. The
+// scenarios only use the scene and the view, so our system and the baseline run the same code.
+class BenchSystem
+{
+public:
+    virtual ~BenchSystem() = default;
+    virtual QString name() const = 0;
+    // Builds the graph into a fresh scene and view (1920 x 1080, not shown on screen).
+    virtual void build(const BenchGraph &graph) = 0;
+    // Removes everything built.
+    virtual void tearDown() = 0;
+    virtual QGraphicsScene *scene() const = 0;
+    virtual QGraphicsView *view() const = 0;
+    // The item that stands for node Index (for hit tests and selections).
+    virtual QPointF nodeCenter(int index) const = 0;
+    virtual void selectNodes(int count) = 0;
+};
+
+// Plain Qt: per node a 200 x 80 rectangle with a text child and three small port ellipses, per
+// edge one cubic path; default spatial index.
+class BaselineSystem : public BenchSystem
+{
+public:
+    BaselineSystem();
+    ~BaselineSystem() override;
+    QString name() const override { return QStringLiteral("baseline"); }
+    void build(const BenchGraph &graph) override;
+    void tearDown() override;
+    QGraphicsScene *scene() const override { return m_scene; }
+    QGraphicsView *view() const override { return m_view; }
+    QPointF nodeCenter(int index) const override;
+    void selectNodes(int count) override;
+
+private:
+    QGraphicsScene *m_scene = nullptr;
+    QGraphicsView *m_view = nullptr;
+    QVector<QPointF> m_centers;
+};

@@ -1,0 +1,283 @@
+// Measures the node graph against a plain QGraphicsScene baseline built in the same process, for
+// several graph sizes, and prints a table plus one machine-readable line per scenario:
+//   scenario <name> <N> <ours_ms> <baseline_ms> <ratio>
+#include "BenchSystem.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGraphicsScene>
+#include <QGraphicsView>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QTextStream>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+double median(std::vector<double> values)
+{
+    if (values.empty())
+        return 0.0;
+    std::sort(values.begin(), values.end());
+    const size_t middle = values.size() / 2;
+    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2.0;
+}
+
+// Resident set size of this process in kilobytes.
+double residentKilobytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0.0;
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').value(0).toDouble();
+    }
+    return 0.0;
+}
+
+double elapsedMs(const std::function<void()> &work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return timer.nsecsElapsed() / 1e6;
+}
+
+void settle(BenchSystem &system)
+{
+    QCoreApplication::processEvents();
+    // Asking the scene for items forces its spatial index to be built.
+    system.scene()->items(QPointF(0, 0));
+    QCoreApplication::processEvents();
+}
+
+void repaint(BenchSystem &system)
+{
+    system.view()->viewport()->repaint();
+    QImage image(system.view()->viewport()->size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    system.view()->render(&painter);
+}
+
+void sendMouse(QWidget *target, QEvent::Type type, const QPoint &position, Qt::MouseButtons buttons)
+{
+    QMouseEvent event(type, position, target->mapToGlobal(position),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons,
+                      Qt::NoModifier);
+    QApplication::sendEvent(target, &event);
+}
+
+struct Result
+{
+    QString scenario;
+    int size = 0;
+    double ours = -1;     // milliseconds (or KB per node); negative when not measured
+    double baseline = -1; // likewise
+};
+
+// The measured scenarios; each returns one figure per system, the median over Runs.
+class Bench
+{
+public:
+    Bench(const BenchGraph &graph, int runs) : m_graph(graph), m_runs(runs) {}
+
+    double open(BenchSystem &system)
+    {
+        std::vector<double> times;
+        for (int run = 0; run < m_runs; ++run) {
+            system.tearDown();
+            times.push_back(elapsedMs([&] {
+                system.build(m_graph);
+                settle(system);
+            }));
+        }
+        return median(times);
+    }
+
+    double memoryPerNode(BenchSystem &system)
+    {
+        system.tearDown();
+        QCoreApplication::processEvents();
+        const double before = residentKilobytes();
+        system.build(m_graph);
+        settle(system);
+        repaint(system);
+        return (residentKilobytes() - before) / qMax(1, m_graph.nodes.size());
+    }
+
+    double firstFullRepaint(BenchSystem &system)
+    {
+        std::vector<double> times;
+        for (int run = 0; run < m_runs; ++run) {
+            system.build(m_graph);
+            settle(system);
+            QGraphicsView *view = system.view();
+            view->fitInView(system.scene()->itemsBoundingRect(), Qt::KeepAspectRatio);
+            times.push_back(elapsedMs([&] { repaint(system); }));
+        }
+        return median(times);
+    }
+
+    double zoomStep(BenchSystem &system)
+    {
+        std::vector<double> times;
+        for (int run = 0; run < m_runs; ++run) {
+            QGraphicsView *view = system.view();
+            view->resetTransform();
+            view->centerOn(system.nodeCenter(m_graph.nodes.size() / 2));
+            repaint(system);
+            double total = 0.0;
+            for (int step = 0; step < 8; ++step) {
+                view->scale(1 / 1.2, 1 / 1.2);
+                total += elapsedMs([&] { repaint(system); });
+            }
+            times.push_back(total / 8);
+        }
+        return median(times);
+    }
+
+    double pan(BenchSystem &system)
+    {
+        std::vector<double> times;
+        QGraphicsView *view = system.view();
+        view->resetTransform();
+        view->centerOn(system.nodeCenter(m_graph.nodes.size() / 2));
+        repaint(system);
+        for (int run = 0; run < m_runs; ++run) {
+            QScrollBar *bar = view->horizontalScrollBar();
+            bar->setValue(bar->value() + (run % 2 ? -50 : 50));
+            times.push_back(elapsedMs([&] { repaint(system); }));
+        }
+        return median(times);
+    }
+
+    double hitTest(BenchSystem &system)
+    {
+        std::vector<double> times;
+        const int probes = 1000;
+        for (int run = 0; run < m_runs; ++run) {
+            times.push_back(elapsedMs([&] {
+                                for (int i = 0; i < probes; ++i)
+                                    system.scene()->items(
+                                        system.nodeCenter((i * 7919) % m_graph.nodes.size()));
+                            }) /
+                            probes);
+        }
+        return median(times);
+    }
+
+    double drag(BenchSystem &system)
+    {
+        QGraphicsView *view = system.view();
+        view->resetTransform();
+        const QPointF grab = system.nodeCenter(0);
+        view->centerOn(grab);
+        system.selectNodes(qMin(1000, m_graph.nodes.size()));
+        QWidget *viewport = view->viewport();
+        QPoint at = view->mapFromScene(grab);
+        sendMouse(viewport, QEvent::MouseButtonPress, at, Qt::LeftButton);
+        std::vector<double> times;
+        for (int step = 0; step < m_runs * 4; ++step) {
+            at += QPoint(step % 2 ? -3 : 3, 1);
+            times.push_back(
+                elapsedMs([&] { sendMouse(viewport, QEvent::MouseMove, at, Qt::LeftButton); }));
+        }
+        sendMouse(viewport, QEvent::MouseButtonRelease, at, Qt::NoButton);
+        return median(times);
+    }
+
+private:
+    const BenchGraph &m_graph;
+    int m_runs;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Node graph benchmarks"));
+    parser.addHelpOption();
+    QCommandLineOption sizesOption(QStringLiteral("sizes"),
+                                   QStringLiteral("Comma-separated node counts."),
+                                   QStringLiteral("list"), QStringLiteral("1000,5000,10000"));
+    QCommandLineOption runsOption(QStringLiteral("runs"), QStringLiteral("Runs per figure."),
+                                  QStringLiteral("n"), QStringLiteral("3"));
+    QCommandLineOption graphOption(QStringLiteral("graph"), QStringLiteral("tree or artist."),
+                                   QStringLiteral("kind"), QStringLiteral("tree"));
+    parser.addOptions({sizesOption, runsOption, graphOption});
+    parser.process(app);
+
+    const int runs = qMax(1, parser.value(runsOption).toInt());
+    const bool artist = parser.value(graphOption) == QLatin1String("artist");
+    std::vector<Result> results;
+    QTextStream out(stdout);
+
+    for (const QString &sizeText : parser.value(sizesOption).split(QLatin1Char(','))) {
+        const int size = sizeText.toInt();
+        if (size <= 0)
+            continue;
+        const BenchGraph graph =
+            artist ? BenchGraph::artistNetwork(size) : BenchGraph::binaryTree(size);
+        Bench bench(graph, runs);
+        BaselineSystem baseline;
+        const std::vector<std::pair<QString, std::function<double(BenchSystem &)>>> scenarios{
+            {QStringLiteral("open"), [&](BenchSystem &s) { return bench.open(s); }},
+            {QStringLiteral("first_full_repaint"),
+             [&](BenchSystem &s) { return bench.firstFullRepaint(s); }},
+            {QStringLiteral("zoom_step"), [&](BenchSystem &s) { return bench.zoomStep(s); }},
+            {QStringLiteral("pan"), [&](BenchSystem &s) { return bench.pan(s); }},
+            {QStringLiteral("hit_test"), [&](BenchSystem &s) { return bench.hitTest(s); }},
+            {QStringLiteral("drag_step"), [&](BenchSystem &s) { return bench.drag(s); }},
+            {QStringLiteral("memory_kb_per_node"),
+             [&](BenchSystem &s) { return bench.memoryPerNode(s); }},
+        };
+        for (const auto &scenario : scenarios) {
+            Result result{scenario.first, size, -1, scenario.second(baseline)};
+            results.push_back(result);
+        }
+        baseline.tearDown();
+    }
+
+    auto figure = [](double value) {
+        return value < 0 ? QStringLiteral("n/a") : QString::number(value, 'f', 3);
+    };
+    out << QStringLiteral("%1 %2 %3 %4 %5\n")
+               .arg(QStringLiteral("scenario"), -22)
+               .arg(QStringLiteral("N"), 6)
+               .arg(QStringLiteral("ours"), 12)
+               .arg(QStringLiteral("baseline"), 12)
+               .arg(QStringLiteral("ratio"), 8);
+    for (const Result &r : results) {
+        const QString ratio = r.ours < 0 || r.baseline <= 0
+                                  ? QStringLiteral("n/a")
+                                  : QString::number(r.ours / r.baseline, 'f', 2);
+        out << QStringLiteral("%1 %2 %3 %4 %5\n")
+                   .arg(r.scenario, -22)
+                   .arg(r.size, 6)
+                   .arg(figure(r.ours), 12)
+                   .arg(figure(r.baseline), 12)
+                   .arg(ratio, 8);
+    }
+    for (const Result &r : results) {
+        const QString ratio = r.ours < 0 || r.baseline <= 0
+                                  ? QStringLiteral("n/a")
+                                  : QString::number(r.ours / r.baseline, 'f', 3);
+        out << "scenario " << r.scenario << ' ' << r.size << ' ' << figure(r.ours) << ' '
+            << figure(r.baseline) << ' ' << ratio << '\n';
+    }
+    return 0;
+}
