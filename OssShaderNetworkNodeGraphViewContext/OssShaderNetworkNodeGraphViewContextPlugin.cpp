@@ -1,6 +1,10 @@
 #include "OssShaderNetworkNodeGraphViewContextPlugin.h"
 
 #include "OssDebug.h"
+#include "ZelGLTextureToken.h"
+
+// Keeps the renderer's texture cache alive while the plug-in is loaded.
+static const ZelGLTextureToken s_textureToken;
 
 OssShaderNetworkNodeGraphViewContextPlugin::~OssShaderNetworkNodeGraphViewContextPlugin() = default;
 

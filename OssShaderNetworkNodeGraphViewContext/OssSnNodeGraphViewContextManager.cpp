@@ -2,6 +2,10 @@
 
 #include "OssPreferenceManager.h"
 #include "OssSettings.h"
+#include "ZelGLTextureToken.h"
+
+// Keeps the renderer's texture cache alive while the plug-in is loaded.
+static const ZelGLTextureToken s_textureToken;
 
 namespace {
 const QString SettingsGroup = QStringLiteral("Node Graph");

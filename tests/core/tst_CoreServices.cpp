@@ -3,6 +3,7 @@
 #include "OssColor.h"
 #include "OssCustomAttribute.h"
 #include "OssDebug.h"
+#include "OssLinkedCustomAttributeManager.h"
 #include "OssObjectReferenceManager.h"
 #include "OssSerializableObject.h"
 #include "OssSettings.h"
@@ -310,6 +311,34 @@ private slots:
         QFETCH(QString, text);
         QFETCH(bool, accepted);
         QCOMPARE(OssIsAlphanumericUnderscore(text), accepted);
+    }
+
+    void attributeLinks()
+    {
+        OssLinkedCustomAttributeManager *links = OssLinkedCustomAttributeManager::instance();
+        QObject group;
+        auto blur = std::make_unique<QObject>();
+        QObject noise;
+        const QString knob = QStringLiteral("Radius");
+        QVERIFY(links->link(&group, knob, blur.get(), QStringLiteral("size")));
+        QVERIFY(links->link(&group, knob, &noise, QStringLiteral("scale")));
+        QVERIFY(!links->link(&group, knob, &noise, QStringLiteral("scale")));
+        QVERIFY(!links->link(&group, knob, nullptr, QStringLiteral("scale")));
+        QCOMPARE(links->links(&group, knob).size(), 2);
+        QCOMPARE(links->links(&group, knob).first().first.data(), blur.get());
+        QCOMPARE(links->linkedFrom(&noise, QStringLiteral("scale")).value(0).second, knob);
+
+        links->renameAttribute(&group, knob, QStringLiteral("Softness"));
+        QVERIFY(links->links(&group, knob).isEmpty());
+        QCOMPARE(links->links(&group, QStringLiteral("Softness")).size(), 2);
+
+        blur.reset();
+        QCOMPARE(links->links(&group, QStringLiteral("Softness")).size(), 1);
+        QVERIFY(links->unlink(&group, QStringLiteral("Softness"), &noise, QStringLiteral("scale")));
+        QVERIFY(links->links(&group, QStringLiteral("Softness")).isEmpty());
+        QVERIFY(links->link(&group, knob, &noise, QStringLiteral("scale")));
+        QCOMPARE(links->unlinkAll(&group, knob).size(), 1);
+        QVERIFY(links->links(&group, knob).isEmpty());
     }
 
     void statusNesting()
