@@ -1,0 +1,29 @@
+#pragma once
+
+#include "OssCoreExport.h"
+
+#include <QList>
+#include <QPointer>
+#include <QVariant>
+#include <QWidget>
+
+// Application-wide facts the host's code asks about: whether dialogs may be shown (not in batch
+// or headless use), and the main window that parents them.
+//
+// Tests and scripts can queue answers for the next dialogs; a dialog that finds a queued answer
+// uses it instead of asking.
+class OSSCORE_EXPORT OssApplication
+{
+public:
+    static bool popupsAllowed();
+    static void setPopupsAllowed(bool allowed);
+
+    static QWidget *mainWindow();
+    static void setMainWindow(QWidget *window);
+
+    static void queueDialogAnswer(const QVariant &answer);
+    // The oldest queued answer, removed from the queue; invalid when none is queued.
+    static QVariant takeDialogAnswer();
+    static bool hasDialogAnswer();
+    static void clearDialogAnswers();
+};
