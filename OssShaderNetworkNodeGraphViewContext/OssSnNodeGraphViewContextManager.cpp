@@ -9,6 +9,15 @@ static const ZelGLTextureToken s_textureToken;
 
 namespace {
 const QString SettingsGroup = QStringLiteral("Node Graph");
+
+// Stores Value in Member; true when it changed (the caller then announces it).
+template <typename T> bool assign(T &member, const T &value)
+{
+    if (member == value)
+        return false;
+    member = value;
+    return true;
+}
 } // namespace
 
 OssSnNodeGraphViewContextManager *OssSnNodeGraphViewContextManager::instance()
@@ -149,10 +158,8 @@ QString OssSnNodeGraphViewContextManager::defaultNodePortDisplayModeTooltip() co
 
 void OssSnNodeGraphViewContextManager::setIsAutoInsertOn(bool Value)
 {
-    if (Value == m_isAutoInsertOn)
-        return;
-    m_isAutoInsertOn = Value;
-    emit isAutoInsertOnChanged(Value);
+    if (assign(m_isAutoInsertOn, Value))
+        emit isAutoInsertOnChanged(Value);
 }
 
 void OssSnNodeGraphViewContextManager::resetIsAutoInsertOn()
@@ -264,10 +271,8 @@ QString OssSnNodeGraphViewContextManager::defaultMCMCollapsedStateTooltip() cons
 
 void OssSnNodeGraphViewContextManager::setShakeToExtractEnabled(bool Value)
 {
-    if (Value == m_shakeToExtractEnabled)
-        return;
-    m_shakeToExtractEnabled = Value;
-    emit shakeToExtractEnabledChanged(Value);
+    if (assign(m_shakeToExtractEnabled, Value))
+        emit shakeToExtractEnabledChanged(Value);
 }
 
 void OssSnNodeGraphViewContextManager::resetShakeToExtractEnabled()
@@ -287,10 +292,8 @@ QString OssSnNodeGraphViewContextManager::shakeToExtractEnabledTooltip() const
 
 void OssSnNodeGraphViewContextManager::setShakeToExtractShakes(int Value)
 {
-    if (Value == m_shakeToExtractShakes)
-        return;
-    m_shakeToExtractShakes = Value;
-    emit shakeToExtractShakesChanged(Value);
+    if (assign(m_shakeToExtractShakes, Value))
+        emit shakeToExtractShakesChanged(Value);
 }
 
 void OssSnNodeGraphViewContextManager::resetShakeToExtractShakes()
@@ -307,10 +310,8 @@ QString OssSnNodeGraphViewContextManager::shakeToExtractShakesTooltip() const
 
 void OssSnNodeGraphViewContextManager::setShakeToExtractTime(int Value)
 {
-    if (Value == m_shakeToExtractTime)
-        return;
-    m_shakeToExtractTime = Value;
-    emit shakeToExtractTimeChanged(Value);
+    if (assign(m_shakeToExtractTime, Value))
+        emit shakeToExtractTimeChanged(Value);
 }
 
 void OssSnNodeGraphViewContextManager::resetShakeToExtractTime()
@@ -328,10 +329,8 @@ QString OssSnNodeGraphViewContextManager::shakeToExtractTimeTooltip() const
 
 void OssSnNodeGraphViewContextManager::setNumberOfLastUsedNodePathsToStore(int Value)
 {
-    if (Value == m_numberOfLastUsedNodePaths)
-        return;
-    m_numberOfLastUsedNodePaths = Value;
-    emit numberOfLastUsedNodePathsToStoreChanged(Value);
+    if (assign(m_numberOfLastUsedNodePaths, Value))
+        emit numberOfLastUsedNodePathsToStoreChanged(Value);
 }
 
 void OssSnNodeGraphViewContextManager::resetNumberOfLastUsedNodePathsToStore()
