@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTextCodec>
@@ -494,8 +495,7 @@ int OssSnNodeTypeCatalogue::loadDirectory(const QString &dir, QStringList *error
         return 0;
     }
     QStringList paths;
-    QDirIterator files(dir, {QStringLiteral("*.xml")}, QDir::Files,
-                       QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+    QDirIterator files(dir, {QStringLiteral("*.xml")}, QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext())
         paths.append(files.next());
     paths.sort();

@@ -1,4 +1,5 @@
 #include "OssColor.h"
+#include "OssDebug.h"
 #include "OssResourceInfo.h"
 #include "OssSnNodeTypeCatalogue.h"
 #include "OssTestEnvironment.h"
@@ -605,9 +606,15 @@ private slots:
         const QString bad = writeFile(folder + QStringLiteral("/b.xml"), text.toUtf8());
         QSignalSpy changed(&catalogue, &OssSnNodeTypeCatalogue::registeredNodePopulationChanged);
         QStringList errors;
-        QCOMPARE(
-            catalogue.loadDirectory(m_env.scratchDirectory() + QLatin1Char('/') + folder, &errors),
-            1);
+        QStringList logged;
+        const int sink = OssDebugSinks::addSink(
+            [&logged](const OssDebugLine &line) { logged.append(line.message); });
+        const int loaded =
+            catalogue.loadDirectory(m_env.scratchDirectory() + QLatin1Char('/') + folder, &errors);
+        OssDebugSinks::removeSink(sink);
+        QCOMPARE(loaded, 1);
+        QCOMPARE(logged,
+                 QStringList{QStringLiteral("Node type description skipped: ") + errors.value(0)});
         QCOMPARE(changed.count(), 1);
         QCOMPARE(errors.size(), 1);
         QVERIFY2(errors.first().startsWith(bad + QStringLiteral(": ")), qPrintable(errors.first()));
