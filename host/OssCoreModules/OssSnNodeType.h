@@ -11,7 +11,8 @@ struct OssSnNodeTypePort
     QString name;
     // "color", "float", "vector", "shader", "material" or "any".
     QString type;
-    // Input tags in order, empty parts kept ("a,,b" gives three tags); outputs have none.
+    // Input tags in order, empty parts kept ("a,,b" gives three tags, "" none); outputs have
+    // none.
     QStringList tags;
 
     bool hasTag(const QString &tag) const { return tags.contains(tag); }
