@@ -5,12 +5,21 @@
 #include <QStringList>
 #include <QVector>
 
+#include <initializer_list>
+
 // A string-to-string map that keeps its keys in insertion order (attribute lists written to and
 // read from files keep their order). Inserting an existing key replaces its value in place.
 class OssStringMap
 {
 public:
     using Entry = QPair<QString, QString>;
+
+    OssStringMap() = default;
+    OssStringMap(std::initializer_list<Entry> entries)
+    {
+        for (const Entry &entry : entries)
+            insert(entry.first, entry.second);
+    }
 
     void insert(const QString &key, const QString &value)
     {

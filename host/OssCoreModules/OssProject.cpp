@@ -1,0 +1,110 @@
+#include "OssProject.h"
+
+#include "OssShaderNetwork.h"
+
+#include <OssDeserializer.h>
+#include <OssSerializer.h>
+
+OssChannel::OssChannel(const QString &name, QObject *parent)
+    : OssSerializableObject(parent), m_name(name)
+{}
+
+OssShadingGroup *OssChannel::shadingGroup() const
+{
+    return qobject_cast<OssShadingGroup *>(parent());
+}
+
+OssEntity::OssEntity(const QString &name, QObject *parent)
+    : OssSerializableObject(parent), m_name(name)
+{}
+
+OssShadingGroup::OssShadingGroup(const QString &name, QObject *parent)
+    : OssSerializableObject(parent), m_name(name), m_entity(new OssEntity(QString(), this)),
+      m_network(new OssShaderNetwork(name, this))
+{}
+
+OssChannel *OssShadingGroup::channel(const QString &name) const
+{
+    for (OssChannel *channel : m_channels)
+        if (channel->name() == name)
+            return channel;
+    return nullptr;
+}
+
+OssChannel *OssShadingGroup::addChannel(const QString &name)
+{
+    if (OssChannel *existing = channel(name))
+        return existing;
+    auto *created = new OssChannel(name, this);
+    m_channels.append(created);
+    return created;
+}
+
+bool OssShadingGroup::saveObjects(OssSerializer &serializer)
+{
+    if (!serializer.saveObject(m_entity, QStringLiteral("entity")))
+        return false;
+    for (OssChannel *channel : qAsConst(m_channels))
+        if (!serializer.saveObject(channel, QStringLiteral("channel")))
+            return false;
+    return serializer.saveObject(m_network, QStringLiteral("network"));
+}
+
+OssSerializableObject *OssShadingGroup::onLoadSubObject(OssDeserializer &, const QString &name,
+                                                        const QString &)
+{
+    if (name == QLatin1String("entity"))
+        return m_entity;
+    if (name == QLatin1String("network"))
+        return m_network;
+    if (name == QLatin1String("channel")) {
+        auto *created = new OssChannel(QString(), this);
+        m_channels.append(created);
+        return created;
+    }
+    return nullptr;
+}
+
+OssProject::OssProject(QObject *parent) : OssSerializableObject(parent) {}
+
+OssShadingGroup *OssProject::addShadingGroup(const QString &name, const QString &entityName)
+{
+    auto *group = new OssShadingGroup(name, this);
+    group->entity()->setName(entityName);
+    m_shadingGroups.append(group);
+    return group;
+}
+
+QList<OssShaderNetwork *> OssProject::networks() const
+{
+    QList<OssShaderNetwork *> networks;
+    for (OssShadingGroup *group : m_shadingGroups)
+        networks.append(group->network());
+    return networks;
+}
+
+QStringList OssProject::loadWarnings() const
+{
+    QStringList warnings;
+    for (OssShaderNetwork *network : networks())
+        warnings.append(network->loadWarnings());
+    return warnings;
+}
+
+bool OssProject::saveObjects(OssSerializer &serializer)
+{
+    for (OssShadingGroup *group : qAsConst(m_shadingGroups))
+        if (!serializer.saveObject(group, QStringLiteral("shadingGroup")))
+            return false;
+    return true;
+}
+
+OssSerializableObject *OssProject::onLoadSubObject(OssDeserializer &, const QString &name,
+                                                   const QString &)
+{
+    if (name != QLatin1String("shadingGroup"))
+        return nullptr;
+    auto *group = new OssShadingGroup(QString(), this);
+    m_shadingGroups.append(group);
+    return group;
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "OssCoreModulesExport.h"
+
+#include <OssSerializableObject.h>
+
+#include <QList>
+#include <QPointer>
+
+class OssShaderNetwork;
+class OssShadingGroup;
+
+// A paint channel (an image set of a shading group): name, pixel type and size.
+class OSSCOREMODULES_EXPORT OssChannel : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName)
+    Q_PROPERTY(int channelType READ channelType WRITE setChannelType)
+    Q_PROPERTY(int width READ width WRITE setWidth)
+    Q_PROPERTY(int height READ height WRITE setHeight)
+    Q_PROPERTY(QString colorSpace READ colorSpace WRITE setColorSpace)
+public:
+    // GL type codes of channel pixels.
+    enum : int
+    {
+        UnsignedByte = 5121,
+        HalfFloat = 5131,
+        Float = 5126
+    };
+
+    explicit OssChannel(const QString &name = QString(), QObject *parent = nullptr);
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
+    int channelType() const { return m_type; }
+    void setChannelType(int type) { m_type = type; }
+    int width() const { return m_width; }
+    void setWidth(int width) { m_width = width; }
+    int height() const { return m_height; }
+    void setHeight(int height) { m_height = height; }
+    QString colorSpace() const { return m_colorSpace; }
+    void setColorSpace(const QString &colorSpace) { m_colorSpace = colorSpace; }
+    OssShadingGroup *shadingGroup() const;
+
+private:
+    QString m_name;
+    int m_type = UnsignedByte;
+    int m_width = 2048;
+    int m_height = 2048;
+    QString m_colorSpace = QStringLiteral("sRGB");
+};
+
+// A piece of geometry of the project; the node graph's root tab is named after it.
+class OSSCOREMODULES_EXPORT OssEntity : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName)
+public:
+    explicit OssEntity(const QString &name = QString(), QObject *parent = nullptr);
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
+
+private:
+    QString m_name;
+};
+
+// A shading group: the geometry it shades, its shader network and its paint channels.
+class OSSCOREMODULES_EXPORT OssShadingGroup : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName)
+public:
+    explicit OssShadingGroup(const QString &name = QString(), QObject *parent = nullptr);
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
+    OssEntity *entity() const { return m_entity; }
+    OssShaderNetwork *network() const { return m_network; }
+    QList<OssChannel *> channels() const { return m_channels; }
+    OssChannel *channel(const QString &name) const;
+    OssChannel *addChannel(const QString &name);
+
+    bool saveObjects(OssSerializer &serializer) override;
+    OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,
+                                           const QString &type) override;
+
+private:
+    QString m_name;
+    OssEntity *m_entity = nullptr;
+    OssShaderNetwork *m_network = nullptr;
+    QList<OssChannel *> m_channels;
+};
+
+// An open project: its shading groups, each with a network.
+class OSSCOREMODULES_EXPORT OssProject : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName)
+public:
+    explicit OssProject(QObject *parent = nullptr);
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
+    QString filePath() const { return m_filePath; }
+    void setFilePath(const QString &path) { m_filePath = path; }
+
+    QList<OssShadingGroup *> shadingGroups() const { return m_shadingGroups; }
+    OssShadingGroup *addShadingGroup(const QString &name, const QString &entityName);
+    QList<OssShaderNetwork *> networks() const;
+    QStringList loadWarnings() const;
+
+    bool saveObjects(OssSerializer &serializer) override;
+    OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,
+                                           const QString &type) override;
+
+private:
+    QString m_name;
+    QString m_filePath;
+    QList<OssShadingGroup *> m_shadingGroups;
+};

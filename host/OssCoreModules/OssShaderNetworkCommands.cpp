@@ -1,0 +1,154 @@
+#include "OssShaderNetworkCommands.h"
+
+#include "OssShaderNetwork.h"
+#include "OssSnBaseNode.h"
+
+OssSnConnectCommand::OssSnConnectCommand(OssSnBaseNode *target, const QString &input,
+                                         OssSnBaseNode *newSource, const QString &newOutput)
+    : QUndoCommand(newSource ? QStringLiteral("Connect %1").arg(input)
+                             : QStringLiteral("Disconnect %1").arg(input)),
+      m_target(target), m_input(input), m_oldSource(target->inputConnection(input)),
+      m_newSource(newSource), m_oldOutput(target->inputOutputPoint(input)), m_newOutput(newOutput)
+{}
+
+void OssSnConnectCommand::redo()
+{
+    if (m_target)
+        m_target->setConnectionDirect(m_input, m_newSource, m_newOutput);
+}
+
+void OssSnConnectCommand::undo()
+{
+    if (m_target)
+        m_target->setConnectionDirect(m_input, m_oldSource, m_oldOutput);
+}
+
+OssSnValueCommand::OssSnValueCommand(const QString &text, OssSnBaseNode *node,
+                                     const QVariant &oldValue, const QVariant &newValue,
+                                     Setter setter)
+    : QUndoCommand(text), m_node(node), m_old(oldValue), m_new(newValue),
+      m_setter(std::move(setter))
+{}
+
+void OssSnValueCommand::redo()
+{
+    if (m_node)
+        m_setter(m_node, m_new);
+}
+
+void OssSnValueCommand::undo()
+{
+    if (m_node)
+        m_setter(m_node, m_old);
+}
+
+OssSnNodeAttributeCommand::OssSnNodeAttributeCommand(const QString &text, OssSnBaseNode *node,
+                                                     const QList<OssCustomAttribute> &before,
+                                                     const QList<OssCustomAttribute> &after)
+    : QUndoCommand(text), m_node(node), m_before(before), m_after(after)
+{}
+
+namespace {
+
+// Applies a new attribute list, telling listeners about each value that changed.
+void applyAttributes(OssSnBaseNode *node, const QList<OssCustomAttribute> &attributes)
+{
+    const QList<OssCustomAttribute> old = node->nodeAttributes();
+    node->setNodeAttributesDirect(attributes);
+    for (const OssCustomAttribute &attribute : attributes) {
+        for (const OssCustomAttribute &previous : old)
+            if (previous.name() == attribute.name() && previous.value() != attribute.value())
+                emit node->nodeAttributeChanged(attribute.name(), attribute.value());
+    }
+}
+
+} // namespace
+
+void OssSnNodeAttributeCommand::redo()
+{
+    if (m_node)
+        applyAttributes(m_node, m_after);
+}
+
+void OssSnNodeAttributeCommand::undo()
+{
+    if (m_node)
+        applyAttributes(m_node, m_before);
+}
+
+OssSnInsertNodeCommand::OssSnInsertNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)
+    : QUndoCommand(QStringLiteral("Create %1").arg(node->name())), m_network(network), m_node(node)
+{}
+
+OssSnInsertNodeCommand::~OssSnInsertNodeCommand()
+{
+    if (m_node && !m_node->parent())
+        delete m_node.data();
+}
+
+void OssSnInsertNodeCommand::redo()
+{
+    if (m_network && m_node)
+        m_network->addNodeDirect(m_node);
+}
+
+void OssSnInsertNodeCommand::undo()
+{
+    if (m_network && m_node)
+        m_network->takeNodeDirect(m_node);
+}
+
+OssSnRemoveNodeCommand::OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)
+    : QUndoCommand(QStringLiteral("Remove %1").arg(node->name())), m_network(network), m_node(node)
+{}
+
+OssSnRemoveNodeCommand::~OssSnRemoveNodeCommand()
+{
+    if (m_node && !m_node->parent())
+        delete m_node.data();
+}
+
+void OssSnRemoveNodeCommand::redo()
+{
+    if (!m_network || !m_node)
+        return;
+    // Record and cut every connection first, so undo can put back exactly these.
+    m_links.clear();
+    for (const QString &input : m_node->inputNames())
+        if (OssSnBaseNode *source = m_node->inputConnection(input))
+            m_links.append(Link{m_node, input, source, m_node->inputOutputPoint(input)});
+    for (const OssSnOutputLink &link : m_node->outputLinks())
+        if (link.target)
+            m_links.append(Link{link.target, link.input, m_node, link.outputPoint});
+    for (const Link &link : qAsConst(m_links))
+        if (link.target)
+            link.target->setConnectionDirect(link.input, nullptr, QString());
+    m_index = m_network->takeNodeDirect(m_node);
+}
+
+void OssSnRemoveNodeCommand::undo()
+{
+    if (!m_network || !m_node)
+        return;
+    m_network->addNodeDirect(m_node, m_index);
+    for (const Link &link : qAsConst(m_links))
+        if (link.target && link.source)
+            link.target->setConnectionDirect(link.input, link.source, link.output);
+}
+
+OssSnViewerEdgeCommand::OssSnViewerEdgeCommand(OssShaderNetwork *network, int oldEdge, int newEdge)
+    : QUndoCommand(QStringLiteral("Switch Viewer Input")), m_network(network), m_old(oldEdge),
+      m_new(newEdge)
+{}
+
+void OssSnViewerEdgeCommand::redo()
+{
+    if (m_network)
+        m_network->setViewerEdgeDirect(m_new);
+}
+
+void OssSnViewerEdgeCommand::undo()
+{
+    if (m_network)
+        m_network->setViewerEdgeDirect(m_old);
+}

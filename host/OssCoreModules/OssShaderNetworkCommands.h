@@ -1,0 +1,116 @@
+#pragma once
+
+#include "OssCoreModulesExport.h"
+
+#include <OssCustomAttribute.h>
+
+#include <QList>
+#include <QPointer>
+#include <QUndoCommand>
+#include <QVariant>
+
+#include <functional>
+
+class OssShaderNetwork;
+class OssSnBaseNode;
+
+// Undo steps of the shader-network model. Each restores exactly what it changed.
+
+// One input's connection: from (old source, old output point) to (new source, new output).
+class OSSCOREMODULES_EXPORT OssSnConnectCommand : public QUndoCommand
+{
+public:
+    OssSnConnectCommand(OssSnBaseNode *target, const QString &input, OssSnBaseNode *newSource,
+                        const QString &newOutput);
+    void redo() override;
+    void undo() override;
+
+private:
+    QPointer<OssSnBaseNode> m_target;
+    QString m_input;
+    QPointer<OssSnBaseNode> m_oldSource, m_newSource;
+    QString m_oldOutput, m_newOutput;
+};
+
+// A value change applied through a setter taking the new value (name, enabled, bypass, ...).
+class OSSCOREMODULES_EXPORT OssSnValueCommand : public QUndoCommand
+{
+public:
+    using Setter = std::function<void(OssSnBaseNode *, const QVariant &)>;
+    OssSnValueCommand(const QString &text, OssSnBaseNode *node, const QVariant &oldValue,
+                      const QVariant &newValue, Setter setter);
+    void redo() override;
+    void undo() override;
+
+private:
+    QPointer<OssSnBaseNode> m_node;
+    QVariant m_old, m_new;
+    Setter m_setter;
+};
+
+// The whole ordered node-attribute list of a node, before and after.
+class OSSCOREMODULES_EXPORT OssSnNodeAttributeCommand : public QUndoCommand
+{
+public:
+    OssSnNodeAttributeCommand(const QString &text, OssSnBaseNode *node,
+                              const QList<OssCustomAttribute> &before,
+                              const QList<OssCustomAttribute> &after);
+    void redo() override;
+    void undo() override;
+
+private:
+    QPointer<OssSnBaseNode> m_node;
+    QList<OssCustomAttribute> m_before, m_after;
+};
+
+// Puts a node into a network (redo) or takes it out (undo). While the node is out of every
+// network, the step owns it and deletes it with itself.
+class OSSCOREMODULES_EXPORT OssSnInsertNodeCommand : public QUndoCommand
+{
+public:
+    OssSnInsertNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node);
+    ~OssSnInsertNodeCommand() override;
+    void redo() override;
+    void undo() override;
+
+private:
+    QPointer<OssShaderNetwork> m_network;
+    QPointer<OssSnBaseNode> m_node;
+};
+
+// Takes a node and every connection to and from it out of its network (redo) and puts them
+// back (undo). Owns the node while it is out.
+class OSSCOREMODULES_EXPORT OssSnRemoveNodeCommand : public QUndoCommand
+{
+public:
+    OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node);
+    ~OssSnRemoveNodeCommand() override;
+    void redo() override;
+    void undo() override;
+
+private:
+    struct Link
+    {
+        QPointer<OssSnBaseNode> target;
+        QString input;
+        QPointer<OssSnBaseNode> source;
+        QString output;
+    };
+    QPointer<OssShaderNetwork> m_network;
+    QPointer<OssSnBaseNode> m_node;
+    QList<Link> m_links;
+    int m_index = -1;
+};
+
+// The viewer's current edge of a root network.
+class OSSCOREMODULES_EXPORT OssSnViewerEdgeCommand : public QUndoCommand
+{
+public:
+    OssSnViewerEdgeCommand(OssShaderNetwork *network, int oldEdge, int newEdge);
+    void redo() override;
+    void undo() override;
+
+private:
+    QPointer<OssShaderNetwork> m_network;
+    int m_old, m_new;
+};

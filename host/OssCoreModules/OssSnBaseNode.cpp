@@ -1,0 +1,954 @@
+#include "OssSnBaseNode.h"
+
+#include "OssShaderNetwork.h"
+#include "OssShaderNetworkCommands.h"
+#include "OssSnBaseContext.h"
+#include "OssSnNodeTypeCatalogue.h"
+
+#include <OssDebug.h>
+#include <OssDeserializer.h>
+#include <OssSerializer.h>
+#include <OssUndoManager.h>
+
+#include <QSet>
+
+namespace {
+
+// Colour, float and vector data convert into each other; shaders and materials only connect
+// to their own kind; "any" connects to everything.
+bool portTypesCompatible(const QString &inputType, const QString &outputType)
+{
+    if (inputType.isEmpty() || outputType.isEmpty() || inputType == QLatin1String("any") ||
+        outputType == QLatin1String("any") || inputType == outputType)
+        return true;
+    static const QSet<QString> data{QStringLiteral("color"), QStringLiteral("float"),
+                                    QStringLiteral("vector")};
+    if (data.contains(inputType) && data.contains(outputType))
+        return true;
+    // A material is a shader as far as shader inputs are concerned.
+    return inputType == QLatin1String("shader") && outputType == QLatin1String("material");
+}
+
+void pushOrRun(QUndoCommand *command, bool undoable)
+{
+    if (undoable && !OssUndoManager::instance()->isReplaying()) {
+        OssUndoManager::instance()->addUndo(command);
+    } else {
+        command->redo();
+        delete command;
+    }
+}
+
+QString joinTags(const QStringList &tags)
+{
+    return tags.join(QLatin1Char(','));
+}
+
+QStringList splitTags(const QString &text)
+{
+    return text.isEmpty() ? QStringList() : text.split(QLatin1Char(','));
+}
+
+} // namespace
+
+OssSnBaseNode::OssSnBaseNode(QObject *parent) : OssSerializableObject(parent)
+{
+    qRegisterMetaType<OssSnBaseNodeCacheActiveState>("OssSnBaseNodeCacheActiveState");
+    qRegisterMetaType<OssSnBaseNode *>("OssSnBaseNode*");
+}
+
+OssSnBaseNode::~OssSnBaseNode()
+{
+    // Leave no dangling downstream records in nodes that outlive this one.
+    for (const OssSnNodeInput &input : qAsConst(m_inputs))
+        if (input.source)
+            input.source->removeOutputLink(input.sourceOutput, this, input.name);
+}
+
+void OssSnBaseNode::applyType(const OssSnNodeType &type)
+{
+    m_pathKey = type.pathKey;
+    m_description = type.description;
+    m_tags = type.tags;
+    m_inputs.clear();
+    for (const OssSnNodeTypePort &port : type.inputs) {
+        OssSnNodeInput input;
+        input.name = port.name;
+        input.type = port.type;
+        input.tags = port.tags;
+        m_inputs.append(input);
+    }
+    m_preferredInput = type.preferredInput;
+    m_outputs.clear();
+    for (const OssSnNodeTypePort &port : type.outputs) {
+        OssSnNodeOutputPoint output;
+        output.name = port.name;
+        output.type = port.type;
+        m_outputs.append(output);
+    }
+    m_preferredOutput = type.preferredOutput;
+    m_nodeAttributes.clear();
+    for (const OssSnNodeTypeAttribute &attribute : type.attributes) {
+        OssCustomAttribute value(attribute.name, attribute.defaultValue, attribute.prettyName,
+                                 attribute.visible);
+        m_nodeAttributes.append(value);
+    }
+    m_versionUuid = type.versionUuid;
+    m_versionHashCreated = type.hash;
+    m_versionDate = type.date;
+}
+
+void OssSnBaseNode::setName(const QString &name, bool undoable)
+{
+    if (name == m_name || name.isEmpty())
+        return;
+    pushOrRun(new OssSnValueCommand(QStringLiteral("Rename Node"), this, m_name, name,
+                                    [](OssSnBaseNode *node, const QVariant &value) {
+                                        node->setNameDirect(value.toString());
+                                    }),
+              undoable);
+}
+
+void OssSnBaseNode::setNameDirect(const QString &name)
+{
+    if (name == m_name)
+        return;
+    const QString old = m_name;
+    m_name = name;
+    setObjectName(name);
+    if (OssShaderNetwork *owner = network())
+        owner->nodeRenamed(this, old);
+    emit nameChanged(name);
+}
+
+void OssSnBaseNode::setDescription(const QString &description)
+{
+    if (description == m_description)
+        return;
+    m_description = description;
+    emit descriptionChanged(description);
+}
+
+QString OssSnBaseNode::path() const
+{
+    const OssShaderNetwork *owner = network();
+    return (owner ? owner->path() : QString()) + QLatin1Char('/') + m_name;
+}
+
+OssShaderNetwork *OssSnBaseNode::network() const
+{
+    return qobject_cast<OssShaderNetwork *>(parent());
+}
+
+void OssSnBaseNode::addTag(const QString &tag)
+{
+    if (!m_tags.contains(tag))
+        m_tags.append(tag);
+}
+
+OssSnBaseContext *OssSnBaseNode::context(const QString &name) const
+{
+    return m_contexts.value(name).data();
+}
+
+void OssSnBaseNode::attachContext(const QString &name, OssSnBaseContext *context)
+{
+    if (OssSnBaseContext *previous = m_contexts.value(name))
+        if (previous != context)
+            delete previous;
+    if (!context) {
+        m_contexts.remove(name);
+        return;
+    }
+    context->setParent(this);
+    m_contexts.insert(name, context);
+}
+
+// --- inputs
+
+int OssSnBaseNode::indexOfInput(const QString &name) const
+{
+    for (int i = 0; i < m_inputs.size(); ++i)
+        if (m_inputs.at(i).name == name)
+            return i;
+    return -1;
+}
+
+int OssSnBaseNode::indexOfOutput(const QString &name) const
+{
+    for (int i = 0; i < m_outputs.size(); ++i)
+        if (m_outputs.at(i).name == name)
+            return i;
+    return -1;
+}
+
+int OssSnBaseNode::indexOfAttribute(const QString &name) const
+{
+    for (int i = 0; i < m_nodeAttributes.size(); ++i)
+        if (m_nodeAttributes.at(i).name() == name)
+            return i;
+    return -1;
+}
+
+QStringList OssSnBaseNode::inputNames() const
+{
+    QStringList names;
+    names.reserve(m_inputs.size());
+    for (const OssSnNodeInput &input : m_inputs)
+        names.append(input.name);
+    return names;
+}
+
+const OssSnNodeInput *OssSnBaseNode::input(const QString &name) const
+{
+    const int index = indexOfInput(name);
+    return index < 0 ? nullptr : &m_inputs.at(index);
+}
+
+QString OssSnBaseNode::inputType(const QString &name) const
+{
+    const OssSnNodeInput *in = input(name);
+    return in ? in->type : QString();
+}
+
+QStringList OssSnBaseNode::inputTags(const QString &name) const
+{
+    const OssSnNodeInput *in = input(name);
+    return in ? in->tags : QStringList();
+}
+
+bool OssSnBaseNode::hasInputTag(const QString &name, const QString &tag) const
+{
+    return inputTags(name).contains(tag);
+}
+
+void OssSnBaseNode::addInputTag(const QString &name, const QString &tag)
+{
+    const int index = indexOfInput(name);
+    if (index >= 0 && !m_inputs.at(index).tags.contains(tag))
+        m_inputs[index].tags.append(tag);
+}
+
+OssSnBaseNode *OssSnBaseNode::inputConnection(const QString &name) const
+{
+    const OssSnNodeInput *in = input(name);
+    return in ? in->source.data() : nullptr;
+}
+
+QString OssSnBaseNode::inputOutputPoint(const QString &name) const
+{
+    const OssSnNodeInput *in = input(name);
+    return in && in->source ? in->sourceOutput : QString();
+}
+
+QList<OssSnBaseNode *> OssSnBaseNode::inputNodes() const
+{
+    QList<OssSnBaseNode *> nodes;
+    for (const OssSnNodeInput &in : m_inputs)
+        nodes.append(in.source.data());
+    return nodes;
+}
+
+bool OssSnBaseNode::inputEnabled(const QString &name) const
+{
+    const OssSnNodeInput *in = input(name);
+    return in && in->enabled;
+}
+
+void OssSnBaseNode::setInputEnabled(const QString &name, bool enabled)
+{
+    const int index = indexOfInput(name);
+    if (index < 0 || m_inputs.at(index).enabled == enabled)
+        return;
+    m_inputs[index].enabled = enabled;
+    emit inputEnabledChanged(name, enabled);
+}
+
+QStringList OssSnBaseNode::sharedInputs() const
+{
+    QStringList names;
+    for (const OssSnNodeInput &in : m_inputs)
+        if (in.shared)
+            names.append(in.name);
+    return names;
+}
+
+void OssSnBaseNode::setInputShared(const QString &name, bool shared)
+{
+    const int index = indexOfInput(name);
+    if (index < 0 || m_inputs.at(index).shared == shared)
+        return;
+    m_inputs[index].shared = shared;
+    if (shared)
+        emit inputConnectionIsShared(name);
+}
+
+QStringList OssSnBaseNode::prettyInputNameList() const
+{
+    QStringList names;
+    for (const OssSnNodeInput &in : m_inputs)
+        names.append(in.prettyName.isEmpty() ? in.name : in.prettyName);
+    return names;
+}
+
+QStringList OssSnBaseNode::descriptiveInputNameList() const
+{
+    QStringList names;
+    for (const OssSnNodeInput &in : m_inputs)
+        names.append(in.descriptiveName);
+    return names;
+}
+
+void OssSnBaseNode::setInputDescriptiveName(const QString &name, const QString &text)
+{
+    const int index = indexOfInput(name);
+    if (index >= 0)
+        m_inputs[index].descriptiveName = text;
+}
+
+bool OssSnBaseNode::addInput(const QString &name, const QString &type, const QStringList &tags)
+{
+    if (name.isEmpty() || hasInput(name))
+        return false;
+    OssSnNodeInput in;
+    in.name = name;
+    in.type = type;
+    in.tags = tags;
+    m_inputs.append(in);
+    emit inputAdded(name);
+    return true;
+}
+
+bool OssSnBaseNode::removeInput(const QString &name)
+{
+    const int index = indexOfInput(name);
+    if (index < 0)
+        return false;
+    if (m_inputs.at(index).source)
+        setConnectionDirect(name, nullptr, QString());
+    m_inputs.remove(index);
+    if (m_preferredInput == name)
+        m_preferredInput.clear();
+    emit inputRemoved(name);
+    return true;
+}
+
+bool OssSnBaseNode::renameInput(const QString &oldName, const QString &newName)
+{
+    const int index = indexOfInput(oldName);
+    if (index < 0 || newName.isEmpty() || hasInput(newName))
+        return false;
+    OssSnNodeInput &in = m_inputs[index];
+    in.name = newName;
+    if (in.source)
+        for (OssSnOutputLink &link : in.source->m_outputLinks)
+            if (link.target == this && link.input == oldName)
+                link.input = newName;
+    if (m_preferredInput == oldName)
+        m_preferredInput = newName;
+    emit nodeInputRenamed(oldName, newName);
+    return true;
+}
+
+bool OssSnBaseNode::setInputOrder(const QStringList &order)
+{
+    if (order.size() != m_inputs.size())
+        return false;
+    QVector<OssSnNodeInput> reordered;
+    for (const QString &name : order) {
+        const int index = indexOfInput(name);
+        if (index < 0 || order.count(name) != 1)
+            return false;
+        reordered.append(m_inputs.at(index));
+    }
+    m_inputs = reordered;
+    emit inputOrderChanged(order);
+    return true;
+}
+
+// --- outputs
+
+QStringList OssSnBaseNode::outputPointNames() const
+{
+    QStringList names;
+    for (const OssSnNodeOutputPoint &out : m_outputs)
+        names.append(out.name);
+    return names;
+}
+
+QString OssSnBaseNode::outputPointType(const QString &name) const
+{
+    const int index = indexOfOutput(name);
+    return index < 0 ? QString() : m_outputs.at(index).type;
+}
+
+QString OssSnBaseNode::prefferedOutputPoint() const
+{
+    if (!m_preferredOutput.isEmpty() && hasOutputPoint(m_preferredOutput))
+        return m_preferredOutput;
+    return m_outputs.isEmpty() ? QString() : m_outputs.first().name;
+}
+
+QStringList OssSnBaseNode::prettyOutputNameList() const
+{
+    QStringList names;
+    for (const OssSnNodeOutputPoint &out : m_outputs)
+        names.append(out.prettyName.isEmpty() ? out.name : out.prettyName);
+    return names;
+}
+
+QStringList OssSnBaseNode::descriptiveOutputNameList() const
+{
+    QStringList names;
+    for (const OssSnNodeOutputPoint &out : m_outputs)
+        names.append(out.descriptiveName);
+    return names;
+}
+
+bool OssSnBaseNode::addOutputPoint(const QString &name, const QString &type)
+{
+    if (name.isEmpty() || hasOutputPoint(name))
+        return false;
+    OssSnNodeOutputPoint out;
+    out.name = name;
+    out.type = type;
+    m_outputs.append(out);
+    emit outputPointAdded(name);
+    return true;
+}
+
+bool OssSnBaseNode::removeOutputPoint(const QString &name)
+{
+    const int index = indexOfOutput(name);
+    if (index < 0)
+        return false;
+    for (const OssSnOutputLink &link : outputLinks())
+        if (link.outputPoint == name && link.target)
+            link.target->setConnectionDirect(link.input, nullptr, QString());
+    m_outputs.remove(index);
+    emit outputPointRemoved(name);
+    return true;
+}
+
+bool OssSnBaseNode::renameOutputPoint(const QString &oldName, const QString &newName)
+{
+    const int index = indexOfOutput(oldName);
+    if (index < 0 || newName.isEmpty() || hasOutputPoint(newName))
+        return false;
+    m_outputs[index].name = newName;
+    for (OssSnOutputLink &link : m_outputLinks) {
+        if (link.outputPoint != oldName)
+            continue;
+        link.outputPoint = newName;
+        if (link.target) {
+            const int in = link.target->indexOfInput(link.input);
+            if (in >= 0)
+                link.target->m_inputs[in].sourceOutput = newName;
+        }
+    }
+    if (m_preferredOutput == oldName)
+        m_preferredOutput = newName;
+    emit outputPointRenamed(oldName, newName);
+    return true;
+}
+
+QList<OssSnBaseNode *> OssSnBaseNode::outputNodes() const
+{
+    QList<OssSnBaseNode *> nodes;
+    for (const OssSnOutputLink &link : m_outputLinks)
+        if (link.target && !nodes.contains(link.target.data()))
+            nodes.append(link.target.data());
+    return nodes;
+}
+
+QList<QPair<OssSnBaseNode *, QString>>
+OssSnBaseNode::outputConnections(const QString &outputPoint) const
+{
+    QList<QPair<OssSnBaseNode *, QString>> result;
+    for (const OssSnOutputLink &link : m_outputLinks)
+        if (link.target && link.outputPoint == outputPoint)
+            result.append(qMakePair(link.target.data(), link.input));
+    return result;
+}
+
+QVector<OssSnOutputLink> OssSnBaseNode::outputLinks() const
+{
+    return m_outputLinks;
+}
+
+void OssSnBaseNode::addOutputLink(const QString &outputPoint, OssSnBaseNode *target,
+                                  const QString &input)
+{
+    const bool firstUse = outputLinkCount(outputPoint) == 0;
+    m_outputLinks.append(OssSnOutputLink{target, input, outputPoint});
+    if (firstUse)
+        emit outputPointUsed(outputPoint);
+}
+
+void OssSnBaseNode::removeOutputLink(const QString &outputPoint, OssSnBaseNode *target,
+                                     const QString &input)
+{
+    for (int i = 0; i < m_outputLinks.size(); ++i) {
+        const OssSnOutputLink &link = m_outputLinks.at(i);
+        if (link.target == target && link.input == input && link.outputPoint == outputPoint) {
+            m_outputLinks.remove(i);
+            emit outputNodeDetached(outputPoint);
+            if (outputLinkCount(outputPoint) == 0)
+                emit outputPointFreed(outputPoint);
+            return;
+        }
+    }
+}
+
+int OssSnBaseNode::outputLinkCount(const QString &outputPoint) const
+{
+    int count = 0;
+    for (const OssSnOutputLink &link : m_outputLinks)
+        if (link.outputPoint == outputPoint && link.target)
+            ++count;
+    return count;
+}
+
+// --- connections
+
+bool OssSnBaseNode::isUpstreamOrSelf(const OssSnBaseNode *other) const
+{
+    if (!other)
+        return false;
+    QSet<const OssSnBaseNode *> seen;
+    QVector<const OssSnBaseNode *> stack{this};
+    while (!stack.isEmpty()) {
+        const OssSnBaseNode *node = stack.takeLast();
+        if (node == other)
+            return true;
+        if (seen.contains(node))
+            continue;
+        seen.insert(node);
+        for (const OssSnNodeInput &in : node->m_inputs)
+            if (in.source)
+                stack.append(in.source.data());
+    }
+    return false;
+}
+
+QString OssSnBaseNode::connectionRefusal(const QString &inputName, OssSnBaseNode *source,
+                                         const QString &outputPoint) const
+{
+    const OssSnNodeInput *in = input(inputName);
+    if (!in)
+        return QStringLiteral("node '%1' has no input '%2'").arg(m_name, inputName);
+    if (!source)
+        return QString();
+    if (source->network() != network())
+        return QStringLiteral("nodes '%1' and '%2' are not in the same network")
+            .arg(source->name(), m_name);
+    if (!source->hasOutputPoint(outputPoint))
+        return QStringLiteral("node '%1' has no output point '%2'")
+            .arg(source->name(), outputPoint);
+    if (source->isUpstreamOrSelf(this))
+        return QStringLiteral("connecting '%1' to '%2.%3' would make a cycle")
+            .arg(source->name(), m_name, inputName);
+    const QString outType = source->outputPointType(outputPoint);
+    if (!portTypesCompatible(in->type, outType))
+        return QStringLiteral("output '%1.%2' (%3) cannot feed input '%4.%5' (%6)")
+            .arg(source->name(), outputPoint, outType, m_name, inputName, in->type);
+    return QString();
+}
+
+bool OssSnBaseNode::connectInput(const QString &inputName, OssSnBaseNode *source,
+                                 const QString &outputPoint, bool undoable, QString *error)
+{
+    const QString refusal = connectionRefusal(inputName, source, outputPoint);
+    if (!refusal.isEmpty()) {
+        OSS_DEBUG("[ !! ] Connection refused: %s", qPrintable(refusal));
+        if (error)
+            *error = refusal;
+        return false;
+    }
+    const OssSnNodeInput *in = input(inputName);
+    if (in->source == source && (!source || in->sourceOutput == outputPoint))
+        return true;
+    pushOrRun(new OssSnConnectCommand(this, inputName, source, source ? outputPoint : QString()),
+              undoable);
+    return true;
+}
+
+bool OssSnBaseNode::disconnectInput(const QString &inputName, bool undoable)
+{
+    return connectInput(inputName, nullptr, QString(), undoable);
+}
+
+void OssSnBaseNode::setConnectionDirect(const QString &inputName, OssSnBaseNode *source,
+                                        const QString &outputPoint)
+{
+    const int index = indexOfInput(inputName);
+    if (index < 0)
+        return;
+    OssSnNodeInput &in = m_inputs[index];
+    if (in.source == source && in.sourceOutput == outputPoint)
+        return;
+    const QPointer<OssSnBaseNode> oldSource = in.source;
+    const QString oldOutput = in.sourceOutput;
+    in.source = source;
+    in.sourceOutput = source ? outputPoint : QString();
+    if (oldSource)
+        oldSource->removeOutputLink(oldOutput, this, inputName);
+    if (source)
+        source->addOutputLink(outputPoint, this, inputName);
+    emit inputNodeChanged(inputName, source, source ? outputPoint : QString());
+}
+
+// --- state
+
+void OssSnBaseNode::setEnabled(bool enabled, bool undoable)
+{
+    if (enabled == m_enabled)
+        return;
+    pushOrRun(new OssSnValueCommand(enabled ? QStringLiteral("Enable Node")
+                                            : QStringLiteral("Disable Node"),
+                                    this, m_enabled, enabled,
+                                    [](OssSnBaseNode *node, const QVariant &value) {
+                                        node->setEnabledDirect(value.toBool());
+                                    }),
+              undoable);
+}
+
+void OssSnBaseNode::setEnabledDirect(bool enabled)
+{
+    if (enabled == m_enabled)
+        return;
+    m_enabled = enabled;
+    emit enabledChanged(enabled ? 1 : 0);
+}
+
+void OssSnBaseNode::setBypassed(bool bypassed, bool undoable)
+{
+    if (bypassed == m_bypassed)
+        return;
+    pushOrRun(new OssSnValueCommand(QStringLiteral("Toggle Bypass"), this, m_bypassed, bypassed,
+                                    [](OssSnBaseNode *node, const QVariant &value) {
+                                        node->setBypassedDirect(value.toBool());
+                                    }),
+              undoable);
+}
+
+void OssSnBaseNode::setBypassedDirect(bool bypassed)
+{
+    if (bypassed == m_bypassed)
+        return;
+    m_bypassed = bypassed;
+    emit bypassChanged(bypassed);
+}
+
+void OssSnBaseNode::setCacheActive(OssSnBaseNodeCacheActiveState state)
+{
+    if (state == m_cacheActive)
+        return;
+    m_cacheActive = state;
+    emit cacheActiveChanged(state);
+}
+
+void OssSnBaseNode::setGuiActive(bool active)
+{
+    if (active == m_guiActive)
+        return;
+    m_guiActive = active;
+    emit guiActiveChanged(active);
+}
+
+// --- node attributes
+
+OssCustomAttribute OssSnBaseNode::nodeAttribute(const QString &name) const
+{
+    const int index = indexOfAttribute(name);
+    return index < 0 ? OssCustomAttribute() : m_nodeAttributes.at(index);
+}
+
+QVariant OssSnBaseNode::nodeAttributeValue(const QString &name) const
+{
+    return nodeAttribute(name).value();
+}
+
+void OssSnBaseNode::setNodeAttribute(const QString &name, const QVariant &value, bool final)
+{
+    if (name.isEmpty())
+        return;
+    const int index = indexOfAttribute(name);
+    if (index >= 0 && m_nodeAttributes.at(index).value() == value)
+        return;
+    if (!final || OssUndoManager::instance()->isReplaying()) {
+        setNodeAttributeDirect(name, value);
+        return;
+    }
+    QList<OssCustomAttribute> after = m_nodeAttributes;
+    if (index >= 0)
+        after[index].setValue(value);
+    else
+        after.append(OssCustomAttribute(name, value));
+    OssUndoManager::instance()->addUndo(new OssSnNodeAttributeCommand(
+        QStringLiteral("Set %1").arg(name), this, m_nodeAttributes, after));
+}
+
+void OssSnBaseNode::setNodeAttributeDirect(const QString &name, const QVariant &value)
+{
+    const int index = indexOfAttribute(name);
+    if (index >= 0) {
+        m_nodeAttributes[index].setValue(value);
+    } else {
+        m_nodeAttributes.append(OssCustomAttribute(name, value));
+        emit nodeAttributeCreated(name);
+    }
+    emit nodeAttributeChanged(name, value);
+}
+
+bool OssSnBaseNode::removeNodeAttribute(const QString &name, bool undoable)
+{
+    const int index = indexOfAttribute(name);
+    if (index < 0)
+        return false;
+    QList<OssCustomAttribute> after = m_nodeAttributes;
+    after.removeAt(index);
+    pushOrRun(new OssSnNodeAttributeCommand(QStringLiteral("Remove %1").arg(name), this,
+                                            m_nodeAttributes, after),
+              undoable);
+    return true;
+}
+
+bool OssSnBaseNode::renameNodeAttribute(const QString &oldName, const QString &newName)
+{
+    const int index = indexOfAttribute(oldName);
+    if (index < 0 || newName.isEmpty() || hasNodeAttribute(newName))
+        return false;
+    const OssCustomAttribute old = m_nodeAttributes.at(index);
+    m_nodeAttributes[index] = OssCustomAttribute(
+        newName, old.value(), old.prettyName() == oldName ? newName : old.prettyName(),
+        old.isVisible());
+    emit nodeAttributeRenamed(oldName, newName);
+    return true;
+}
+
+bool OssSnBaseNode::setNodeAttributePrettyName(const QString &name, const QString &prettyName)
+{
+    const int index = indexOfAttribute(name);
+    if (index < 0)
+        return false;
+    m_nodeAttributes[index].setPrettyName(prettyName);
+    emit nodeAttributePrettyNameChanged(name, prettyName);
+    return true;
+}
+
+void OssSnBaseNode::setNodeAttributesUndo(const QList<OssCustomAttribute> &attributes)
+{
+    if (attributes == m_nodeAttributes)
+        return;
+    pushOrRun(new OssSnNodeAttributeCommand(QStringLiteral("Reorder Knobs"), this, m_nodeAttributes,
+                                            attributes),
+              true);
+}
+
+void OssSnBaseNode::setNodeAttributesDirect(const QList<OssCustomAttribute> &attributes)
+{
+    QSet<QString> before;
+    for (const OssCustomAttribute &attribute : qAsConst(m_nodeAttributes))
+        before.insert(attribute.name());
+    QSet<QString> after;
+    for (const OssCustomAttribute &attribute : attributes)
+        after.insert(attribute.name());
+    const QList<OssCustomAttribute> old = m_nodeAttributes;
+    m_nodeAttributes = attributes;
+    for (const OssCustomAttribute &attribute : old)
+        if (!after.contains(attribute.name()) && attribute.isVisible())
+            emit visibleNodeAttributeRemoved(attribute.name());
+    for (const OssCustomAttribute &attribute : attributes)
+        if (!before.contains(attribute.name()))
+            emit nodeAttributeCreated(attribute.name());
+    emit nodeAttributesSet();
+}
+
+QString OssSnBaseNode::nodeAttributeNameAsUserAttributeName(const QString &attribute) const
+{
+    QString name = m_name + QLatin1Char('_') + attribute;
+    for (QChar &c : name)
+        if (!c.isLetterOrNumber() && c != QLatin1Char('_'))
+            c = QLatin1Char('_');
+    return name;
+}
+
+// --- versions
+
+QString OssSnBaseNode::versionHashPresent() const
+{
+    return OssSnNodeTypeCatalogue::instance()->hashForVersionUuid(m_versionUuid);
+}
+
+bool OssSnBaseNode::versionDateLT(const QString &a, const QString &b)
+{
+    if (a.isEmpty() || b.isEmpty())
+        return a.isEmpty() && !b.isEmpty();
+    return a < b;
+}
+
+QString OssSnBaseNode::versionHashSourcePresentDump() const
+{
+    const OssSnNodeType *type =
+        OssSnNodeTypeCatalogue::instance()->typeForVersionUuid(m_versionUuid);
+    return type ? type->source : QString();
+}
+
+QString OssSnBaseNode::dumpNodeInfo() const
+{
+    QStringList lines;
+    lines << QStringLiteral("Node '%1' (%2)")
+                 .arg(m_name, QString::fromLatin1(metaObject()->className()));
+    lines << QStringLiteral("  path: %1").arg(path());
+    lines << QStringLiteral("  path key: %1").arg(m_pathKey);
+    lines << QStringLiteral("  version: %1 created %2 present %3 date %4")
+                 .arg(m_versionUuid, m_versionHashCreated, versionHashPresent(), m_versionDate);
+    lines << QStringLiteral("  tags: %1").arg(m_tags.join(QStringLiteral(", ")));
+    lines << QStringLiteral("  enabled: %1, bypassed: %2")
+                 .arg(m_enabled ? QStringLiteral("yes") : QStringLiteral("no"),
+                      m_bypassed ? QStringLiteral("yes") : QStringLiteral("no"));
+    for (const OssSnNodeInput &in : m_inputs)
+        lines << QStringLiteral("  input %1 (%2) <- %3")
+                     .arg(in.name, in.type,
+                          in.source ? in.source->name() + QLatin1Char('.') + in.sourceOutput
+                                    : QStringLiteral("-"));
+    for (const OssSnNodeOutputPoint &out : m_outputs)
+        lines << QStringLiteral("  output %1 (%2) -> %3 connection(s)")
+                     .arg(out.name, out.type)
+                     .arg(outputLinkCount(out.name));
+    for (const OssCustomAttribute &attribute : m_nodeAttributes)
+        lines << QStringLiteral("  attribute %1 = %2")
+                     .arg(attribute.name(), OssSerializer::variantToText(attribute.value()));
+    return lines.join(QLatin1Char('\n'));
+}
+
+// --- user attributes reach the contexts
+
+void OssSnBaseNode::userAttributeChangedHook(const OssCustomAttribute &attribute)
+{
+    for (const QPointer<OssSnBaseContext> &context : qAsConst(m_contexts))
+        if (context)
+            context->onUserAttributeChanged(attribute, this);
+}
+
+void OssSnBaseNode::userAttributeRemovedHook(const QString &name)
+{
+    for (const QPointer<OssSnBaseContext> &context : qAsConst(m_contexts))
+        if (context)
+            context->onUserAttributeRemoved(name, this);
+}
+
+// --- saving
+
+bool OssSnBaseNode::saveObjects(OssSerializer &serializer)
+{
+    serializer.beginCollection(QStringLiteral("inputs"), m_inputs.size(), QStringLiteral("QVector"),
+                               QStringLiteral("OssSnNodeInput"),
+                               OssStringMap{{QStringLiteral("preferred"), m_preferredInput}});
+    for (const OssSnNodeInput &in : qAsConst(m_inputs))
+        serializer.addCollectionElement(OssStringMap{
+            {QStringLiteral("name"), in.name},
+            {QStringLiteral("type"), in.type},
+            {QStringLiteral("tags"), joinTags(in.tags)},
+            {QStringLiteral("enabled"), in.enabled ? QStringLiteral("1") : QStringLiteral("0")},
+            {QStringLiteral("shared"), in.shared ? QStringLiteral("1") : QStringLiteral("0")},
+            {QStringLiteral("prettyName"), in.prettyName}});
+    serializer.endCollection();
+    serializer.beginCollection(QStringLiteral("outputPoints"), m_outputs.size(),
+                               QStringLiteral("QVector"), QStringLiteral("OssSnNodeOutputPoint"),
+                               OssStringMap{{QStringLiteral("preferred"), m_preferredOutput}});
+    for (const OssSnNodeOutputPoint &out : qAsConst(m_outputs))
+        serializer.addCollectionElement(
+            OssStringMap{{QStringLiteral("name"), out.name},
+                         {QStringLiteral("type"), out.type},
+                         {QStringLiteral("prettyName"), out.prettyName}});
+    serializer.endCollection();
+    serializer.beginCollection(QStringLiteral("nodeAttributes"), m_nodeAttributes.size(),
+                               QStringLiteral("QList"), QStringLiteral("OssCustomAttribute"),
+                               OssStringMap());
+    for (const OssCustomAttribute &attribute : qAsConst(m_nodeAttributes))
+        serializer.addCollectionElement(
+            OssStringMap{{QStringLiteral("name"), attribute.name()},
+                         {QStringLiteral("prettyName"), attribute.prettyName()},
+                         {QStringLiteral("type"), attribute.typeName()},
+                         {QStringLiteral("value"), OssSerializer::variantToText(attribute.value())},
+                         {QStringLiteral("visible"),
+                          attribute.isVisible() ? QStringLiteral("1") : QStringLiteral("0")}});
+    serializer.endCollection();
+    for (auto it = m_contexts.cbegin(); it != m_contexts.cend(); ++it)
+        if (it.value() && !serializer.saveObject(it.value(), it.key()))
+            return false;
+    return true;
+}
+
+OssSerializableObject *OssSnBaseNode::onLoadSubObject(OssDeserializer &, const QString &name,
+                                                      const QString &)
+{
+    return context(name);
+}
+
+bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const QString &, int,
+                                     const OssStringMap &attributes)
+{
+    if (name == QLatin1String("inputs")) {
+        m_loadingInputs.clear();
+        m_preferredInput = attributes.value(QStringLiteral("preferred"));
+        return true;
+    }
+    if (name == QLatin1String("outputPoints")) {
+        m_loadingOutputs.clear();
+        m_preferredOutput = attributes.value(QStringLiteral("preferred"));
+        return true;
+    }
+    if (name == QLatin1String("nodeAttributes")) {
+        m_loadingAttributes.clear();
+        return true;
+    }
+    return false;
+}
+
+void OssSnBaseNode::onLoadCollectionObject(const QString &name, const QString &, const QString &,
+                                           int, const OssStringMap &attributes)
+{
+    const auto value = [&attributes](const char *key) {
+        return attributes.value(QLatin1String(key));
+    };
+    if (name == QLatin1String("inputs")) {
+        OssSnNodeInput in;
+        in.name = value("name");
+        in.type = value("type");
+        in.tags = splitTags(value("tags"));
+        in.enabled = value("enabled") != QLatin1String("0");
+        in.shared = value("shared") == QLatin1String("1");
+        in.prettyName = value("prettyName");
+        if (!in.name.isEmpty())
+            m_loadingInputs.append(in);
+    } else if (name == QLatin1String("outputPoints")) {
+        OssSnNodeOutputPoint out;
+        out.name = value("name");
+        out.type = value("type");
+        out.prettyName = value("prettyName");
+        if (!out.name.isEmpty())
+            m_loadingOutputs.append(out);
+    } else if (name == QLatin1String("nodeAttributes")) {
+        bool ok = false;
+        const QVariant converted = OssSerializer::textToVariant(value("value"), value("type"), &ok);
+        OssCustomAttribute attribute(value("name"), ok ? converted : QVariant(value("value")),
+                                     value("prettyName"), value("visible") != QLatin1String("0"));
+        if (attribute.isValid())
+            m_loadingAttributes.append(attribute);
+    }
+}
+
+void OssSnBaseNode::onEndCollection(const QString &name, const QString &, const QString &)
+{
+    // The saved ports and attributes replace those of the type: groups and upgraded nodes may
+    // differ from their type's description. Nodes are loaded before any connection is made.
+    if (name == QLatin1String("inputs"))
+        m_inputs = m_loadingInputs;
+    else if (name == QLatin1String("outputPoints"))
+        m_outputs = m_loadingOutputs;
+    else if (name == QLatin1String("nodeAttributes"))
+        m_nodeAttributes = m_loadingAttributes;
+}

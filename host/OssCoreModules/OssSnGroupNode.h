@@ -1,0 +1,110 @@
+#pragma once
+
+#include "OssCoreModulesExport.h"
+#include "OssSnBaseNode.h"
+
+class OssLayerShaderModel;
+
+// A node that holds a subnetwork. Its inputs and outputs mirror the subnetwork's group input
+// and output nodes (tags "_input" and "_output"), in the group's order.
+class OSSCOREMODULES_EXPORT OssSnGroupNode : public OssSnBaseNode
+{
+    Q_OBJECT
+public:
+    explicit OssSnGroupNode(QObject *parent = nullptr);
+
+    OssShaderNetwork *groupNetwork() const { return m_groupNetwork; }
+    // The subnetwork's input nodes in the group's input order.
+    QList<OssSnBaseNode *> groupInputNodes() const;
+    QList<OssSnBaseNode *> groupOutputNodes() const;
+    // Reorders the group's inputs (names of its inputs, each once).
+    bool reorderInputs(const QStringList &order);
+    // Writes the group as a gizmo file; false with the reason in Error.
+    bool exportAsGizmo(const QString &fileName, QString *error = nullptr);
+    // The attribute group of a knob named "group/knob" ("" for a plain name).
+    static QString getAttributeGroupName(const QString &attribute);
+
+    bool saveObjects(OssSerializer &serializer) override;
+    OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,
+                                           const QString &type) override;
+
+signals:
+    void openNodeGraph();
+    void newGroupNodeInputOutputCreated();
+    void clearPortClusters();
+    void updatePortClusters();
+
+private:
+    void onInnerNodeAdded(OssSnBaseNode *node);
+    void onInnerNodeRemoved(OssSnBaseNode *node);
+    void onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldName);
+
+    OssShaderNetwork *m_groupNetwork = nullptr;
+};
+
+// A group whose inputs and outputs follow a multi-channel shader model.
+class OSSCOREMODULES_EXPORT OssSnMultiChannelGroupNode : public OssSnGroupNode
+{
+    Q_OBJECT
+public:
+    using OssSnGroupNode::OssSnGroupNode;
+    OssLayerShaderModel *shaderModel() const { return m_shaderModel; }
+    void setShaderModel(OssLayerShaderModel *model);
+    bool isValid() const { return m_valid; }
+    void setValid(bool valid);
+    // Connects Base and Over sources to every channel's base and over input at once.
+    bool batchConnectInputNode(OssSnBaseNode *base, OssSnBaseNode *over, bool undoable = true);
+
+signals:
+    void validityChanged();
+
+private:
+    OssLayerShaderModel *m_shaderModel = nullptr;
+    bool m_valid = true;
+};
+
+class OSSCOREMODULES_EXPORT OssSnMultiChannelMergeNode : public OssSnMultiChannelGroupNode
+{
+    Q_OBJECT
+public:
+    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
+};
+
+class OSSCOREMODULES_EXPORT OssSnMultiChannelBakePointNode : public OssSnMultiChannelGroupNode
+{
+    Q_OBJECT
+public:
+    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
+    // The bake points inside that are active (one per channel).
+    QList<OssSnBaseNode *> activeBakePointNodes() const;
+    // Makes one bake point per output of the group's subnetwork that lacks one.
+    int configureBakepoints();
+
+signals:
+    void bakedStateChanged();
+};
+
+class OSSCOREMODULES_EXPORT OssSnMultiChannelBottomTransparencyNode
+    : public OssSnMultiChannelGroupNode
+{
+    Q_OBJECT
+public:
+    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
+};
+
+// A material: a group kind with a preview network and import from material archives.
+class OSSCOREMODULES_EXPORT OssSnMaterialNode : public OssSnGroupNode
+{
+    Q_OBJECT
+public:
+    using OssSnGroupNode::OssSnGroupNode;
+    bool previewShaderNetworkConnected() const { return m_previewConnected; }
+    void connectPreviewShaderNetwork();
+    // Reads a material archive (*.oma: a saved group network) into this node.
+    bool importFromFile(const QString &path, QStringList *errors = nullptr);
+    // Writes a thumbnail picture describing the material; false when it cannot be written.
+    bool generateMaterialThumbnail(const QString &path);
+
+private:
+    bool m_previewConnected = false;
+};

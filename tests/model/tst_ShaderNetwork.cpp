@@ -1,0 +1,520 @@
+#include "OssTestEnvironment.h"
+
+#include <OssDebug.h>
+#include <OssProject.h>
+#include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssShaderNetworkContextLoader.h>
+#include <OssShaderNetworkManager.h>
+#include <OssSnBaseContext.h>
+#include <OssSnGroupNode.h>
+#include <OssSnSpecialNodes.h>
+#include <OssUndoManager.h>
+
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+// A context that records what the host does with it.
+class RecordingContext : public OssSnBaseContext
+{
+    Q_OBJECT
+    Q_PROPERTY(int answer READ answer WRITE setAnswer)
+public:
+    using OssSnBaseContext::OssSnBaseContext;
+    int answer() const { return m_answer; }
+    void setAnswer(int answer) { m_answer = answer; }
+    void initializeGui() override { ++initializeCount; }
+    int initializeCount = 0;
+
+private:
+    int m_answer = 0;
+};
+
+class RecordingLoader : public OssShaderNetworkContextLoader
+{
+public:
+    OssSnContextList load(const QString &description, OssSnBaseNode *node) override
+    {
+        lastDescription = description;
+        return {new RecordingContext(node)};
+    }
+    QString lastDescription;
+};
+
+// Connections of a network as text, for before/after comparisons.
+QStringList wiring(const OssShaderNetwork *network)
+{
+    QStringList lines;
+    for (OssSnBaseNode *node : network->nodes())
+        for (const QString &input : node->inputNames())
+            if (OssSnBaseNode *source = node->inputConnection(input))
+                lines << QStringLiteral("%1.%2<-%3.%4")
+                             .arg(node->name(), input, source->name(),
+                                  node->inputOutputPoint(input));
+    return lines;
+}
+
+QStringList names(const QList<OssSnBaseNode *> &nodes)
+{
+    QStringList result;
+    for (const OssSnBaseNode *node : nodes)
+        result << node->name();
+    return result;
+}
+
+} // namespace
+
+class tst_ShaderNetwork : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+    RecordingLoader *m_loader = nullptr;
+    OssShaderNetwork *m_network = nullptr;
+    OssUndoManager *undo() { return OssUndoManager::instance(); }
+
+private slots:
+    void initTestCase()
+    {
+        m_loader = new RecordingLoader;
+        OssShaderNetworkManager::instance()->registerContextLoader(QStringLiteral("NodeGraphView"),
+                                                                   m_loader);
+    }
+
+    void init()
+    {
+        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Head"));
+        m_network = project->networks().first();
+    }
+
+    void cleanup() { OssProjectManager::instance()->closeProject(); }
+
+    void createdNodesGetUniqueNamesContextsAndOneUndoStep()
+    {
+        QSignalSpy registered(OssShaderNetworkManager::instance(),
+                              &OssShaderNetworkManager::nodeRegistered);
+        OssSnBaseNode *first = m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *second = m_network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(first && second);
+        QCOMPARE(first->name(), QStringLiteral("Blur"));
+        QCOMPARE(second->name(), QStringLiteral("Blur1"));
+        QCOMPARE(registered.count(), 2);
+        auto *context = qobject_cast<RecordingContext *>(first->context("NodeGraphView"));
+        QVERIFY(context);
+        QCOMPARE(context->initializeCount, 1);
+        QVERIFY(m_loader->lastDescription.contains(QStringLiteral("PathKey=\"Filter/Blur\"")));
+        QCOMPARE(first->path(), QStringLiteral("/Head_SG/Blur"));
+        QCOMPARE(undo()->count(), 2);
+
+        QSignalSpy deregistered(OssShaderNetworkManager::instance(),
+                                &OssShaderNetworkManager::nodeDeregistered);
+        undo()->undo();
+        QCOMPARE(names(m_network->nodes()), QStringList{"Blur"});
+        QCOMPARE(deregistered.count(), 1);
+        undo()->redo();
+        QCOMPARE(names(m_network->nodes()), (QStringList{"Blur", "Blur1"}));
+        // The same node comes back, and its context is not initialised twice.
+        QCOMPARE(m_network->node(QStringLiteral("Blur1")), second);
+        QCOMPARE(
+            qobject_cast<RecordingContext *>(second->context("NodeGraphView"))->initializeCount, 1);
+    }
+
+    void unknownPathKeyCreatesNothing()
+    {
+        OssDebugCapture capture;
+        QVERIFY(m_network->createNodes(QStringLiteral("No/Such Type")).isEmpty());
+        QVERIFY(capture.contains(
+            "[ !! ] Cannot create node 'No/Such Type': unknown node type 'No/Such Type'"));
+        QCOMPARE(undo()->count(), 0);
+    }
+
+    void uniqueNames_data()
+    {
+        QTest::addColumn<QStringList>("existing");
+        QTest::addColumn<QString>("base");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("free") << QStringList() << "Blur"
+                              << "Blur";
+        QTest::newRow("taken") << QStringList{"Blur"} << "Blur"
+                               << "Blur1";
+        QTest::newRow("numbered base") << QStringList{"Blur", "Blur1"} << "Blur1"
+                                       << "Blur2";
+        QTest::newRow("gap reused") << QStringList{"Blur", "Blur2"} << "Blur"
+                                    << "Blur1";
+        QTest::newRow("only digits") << QStringList{"7"} << "7"
+                                     << "Node1";
+        QTest::newRow("blank") << QStringList() << "  "
+                               << "Node";
+    }
+
+    void uniqueNames()
+    {
+        QFETCH(QStringList, existing);
+        QFETCH(QString, base);
+        QFETCH(QString, expected);
+        for (const QString &name : existing)
+            QVERIFY(m_network->createNode(QStringLiteral("Filter/Blur"), name));
+        QCOMPARE(m_network->generateUniqueNodeName(base), expected);
+    }
+
+    void connectionsAreCheckedAndUndoable_data()
+    {
+        QTest::addColumn<QString>("sourceKey");
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("refusal");
+        QTest::newRow("colour into colour") << "Procedural/Noise/Perlin"
+                                            << "Output"
+                                            << "Input"
+                                            << "";
+        QTest::newRow("shader into colour")
+            << "Shaders/Surface"
+            << "Output"
+            << "Input"
+            << "output 'Surface.Output' (shader) cannot feed input 'Blur.Input' (color)";
+        QTest::newRow("missing input") << "Procedural/Noise/Perlin"
+                                       << "Output"
+                                       << "Nope"
+                                       << "node 'Blur' has no input 'Nope'";
+        QTest::newRow("missing output") << "Procedural/Noise/Perlin"
+                                        << "Nope"
+                                        << "Input"
+                                        << "node 'Perlin' has no output point 'Nope'";
+    }
+
+    void connectionsAreCheckedAndUndoable()
+    {
+        QFETCH(QString, sourceKey);
+        QFETCH(QString, output);
+        QFETCH(QString, input);
+        QFETCH(QString, refusal);
+        OssSnBaseNode *source = m_network->createNode(sourceKey);
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(source && blur);
+        undo()->clear();
+        QSignalSpy changed(blur, &OssSnBaseNode::inputNodeChanged);
+        QSignalSpy used(source, &OssSnBaseNode::outputPointUsed);
+        QString error;
+        const bool ok = blur->connectInput(input, source, output, true, &error);
+        QCOMPARE(error, refusal);
+        QCOMPARE(ok, refusal.isEmpty());
+        if (!ok) {
+            QCOMPARE(undo()->count(), 0);
+            QCOMPARE(changed.count(), 0);
+            return;
+        }
+        QCOMPARE(blur->inputConnection(input), source);
+        QCOMPARE(source->outputNodes(), QList<OssSnBaseNode *>{blur});
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(used.count(), 1);
+        QSignalSpy freed(source, &OssSnBaseNode::outputPointFreed);
+        undo()->undo();
+        QVERIFY(!blur->inputConnection(input));
+        QVERIFY(source->outputNodes().isEmpty());
+        QCOMPARE(freed.count(), 1);
+        undo()->redo();
+        QCOMPARE(blur->inputConnection(input), source);
+    }
+
+    void cyclesAreRefused()
+    {
+        OssSnBaseNode *a = m_network->createNode(QStringLiteral("Filter/Blur"), "A");
+        OssSnBaseNode *b = m_network->createNode(QStringLiteral("Filter/Sharpen"), "B");
+        OssSnBaseNode *c = m_network->createNode(QStringLiteral("Adjust/Invert"), "C");
+        QVERIFY(b->connectInput("Input", a, "Output"));
+        QVERIFY(c->connectInput("Input", b, "Output"));
+        QString error;
+        QVERIFY(!a->connectInput("Input", c, "Output", true, &error));
+        QCOMPARE(error, QStringLiteral("connecting 'C' to 'A.Input' would make a cycle"));
+        QVERIFY(!a->connectInput("Input", a, "Output", true, &error));
+        QVERIFY(!a->inputConnection("Input"));
+    }
+
+    void removingANodeRestoresItsConnectionsOnUndo()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *merge = m_network->createNode(QStringLiteral("Layer/Merge"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QVERIFY(merge->connectInput("Base", blur, "Output"));
+        QVERIFY(merge->connectInput("Over", noise, "Output"));
+        const QStringList before = wiring(m_network);
+        const int steps = undo()->count();
+        m_network->removeNodes({blur});
+        QCOMPARE(undo()->count(), steps + 1);
+        QVERIFY(!m_network->containsNode(blur));
+        QCOMPARE(wiring(m_network), QStringList{"Merge.Over<-Perlin.Output"});
+        QCOMPARE(noise->outputNodes(), QList<OssSnBaseNode *>{merge});
+        undo()->undo();
+        QCOMPARE(wiring(m_network), before);
+        QCOMPARE(names(m_network->nodes()), (QStringList{"Perlin", "Blur", "Merge"}));
+        undo()->redo();
+        QCOMPARE(wiring(m_network), QStringList{"Merge.Over<-Perlin.Output"});
+    }
+
+    void extractBridgesTheStream()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *invert = m_network->createNode(QStringLiteral("Adjust/Invert"));
+        OssSnBaseNode *merge = m_network->createNode(QStringLiteral("Layer/Merge"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QVERIFY(invert->connectInput("Input", blur, "Output"));
+        QVERIFY(merge->connectInput("Mask", blur, "Output"));
+        const QStringList before = wiring(m_network);
+        const int steps = undo()->count();
+        m_network->extractNodes({blur});
+        QCOMPARE(undo()->count(), steps + 1);
+        QCOMPARE(wiring(m_network),
+                 (QStringList{"Invert.Input<-Perlin.Output", "Merge.Mask<-Perlin.Output"}));
+        QVERIFY(m_network->containsNode(blur));
+        undo()->undo();
+        QCOMPARE(wiring(m_network), before);
+    }
+
+    void cancelledMacroLeavesTheNetworkAsItWas()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        const int steps = undo()->count();
+        {
+            OssUndoManager::AutoMacro macro(QStringLiteral("Build"));
+            OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+            QVERIFY(blur->connectInput("Input", noise, "Output"));
+            noise->setName(QStringLiteral("Renamed"));
+            macro.cancel();
+        }
+        QCOMPARE(undo()->count(), steps);
+        QCOMPARE(names(m_network->nodes()), QStringList{"Perlin"});
+        QVERIFY(noise->outputNodes().isEmpty());
+    }
+
+    void stateChangesAreUndoable_data()
+    {
+        QTest::addColumn<QString>("change");
+        QTest::newRow("rename") << "rename";
+        QTest::newRow("disable") << "disable";
+        QTest::newRow("bypass") << "bypass";
+        QTest::newRow("attribute") << "attribute";
+        QTest::newRow("remove attribute") << "remove attribute";
+    }
+
+    void stateChangesAreUndoable()
+    {
+        QFETCH(QString, change);
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        const auto snapshot = [blur] {
+            return QStringList{blur->name(), QString::number(blur->enabledAsBool()),
+                               QString::number(blur->bypassed()),
+                               QString::number(blur->nodeAttributes().size()),
+                               blur->nodeAttributeValue("Radius").toString()};
+        };
+        const QStringList before = snapshot();
+        const int steps = undo()->count();
+        if (change == "rename")
+            blur->setName(QStringLiteral("Soft"));
+        else if (change == "disable")
+            blur->toggleDisable();
+        else if (change == "bypass")
+            blur->toggleBypass();
+        else if (change == "attribute")
+            blur->setNodeAttribute(QStringLiteral("Radius"), 5.0);
+        else
+            blur->removeNodeAttribute(QStringLiteral("Radius"));
+        const QStringList after = snapshot();
+        QVERIFY(after != before);
+        QCOMPARE(undo()->count(), steps + 1);
+        undo()->undo();
+        QCOMPARE(snapshot(), before);
+        undo()->redo();
+        QCOMPARE(snapshot(), after);
+        if (change == "rename")
+            QCOMPARE(m_network->node(QStringLiteral("Soft")), blur);
+    }
+
+    void groupsMirrorTheirInputAndOutputNodes()
+    {
+        auto *group = qobject_cast<OssSnGroupNode *>(m_network->createNode("Misc/Group"));
+        QVERIFY(group);
+        OssShaderNetwork *inner = group->groupNetwork();
+        QCOMPARE(inner->parent(), group);
+        QCOMPARE(inner->parentGroupNode(), group);
+        QCOMPARE(inner->rootNetwork(), m_network);
+        QCOMPARE(inner->geoEntity()->name(), QStringLiteral("Head"));
+        QCOMPARE(names(group->groupInputNodes()), group->inputNames());
+        QCOMPARE(names(group->groupOutputNodes()), group->outputPointNames());
+        QSignalSpy added(group, &OssSnBaseNode::inputAdded);
+        OssSnBaseNode *extra = inner->createNode(QStringLiteral("_System/Group Input"), "Detail");
+        QVERIFY(extra);
+        QCOMPARE(added.count(), 1);
+        QVERIFY(group->hasInput(QStringLiteral("Detail")));
+        extra->setName(QStringLiteral("Fine Detail"));
+        QVERIFY(group->hasInput(QStringLiteral("Fine Detail")));
+        QVERIFY(!group->hasInput(QStringLiteral("Detail")));
+        undo()->undo(); // rename
+        undo()->undo(); // creation
+        QVERIFY(!group->hasInput(QStringLiteral("Detail")));
+        QVERIFY(!group->hasInput(QStringLiteral("Fine Detail")));
+        QVERIFY(m_network->getAllNodes().contains(group->groupInputNodes().value(0)) ||
+                group->groupInputNodes().isEmpty());
+        QCOMPARE(group->groupNetwork()->path(), group->path());
+    }
+
+    void projectRoundTrip()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        auto *group = qobject_cast<OssSnGroupNode *>(m_network->createNode("Misc/Group"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        blur->setNodeAttribute(QStringLiteral("Radius"), 7.5);
+        blur->setUserAttribute(OssCustomAttribute(QStringLiteral("Note"), QStringLiteral("soft")));
+        blur->toggleBypass();
+        qobject_cast<RecordingContext *>(blur->context("NodeGraphView"))->setAnswer(42);
+        group->groupNetwork()->createNode(QStringLiteral("Adjust/Invert"));
+        const QString path = m_environment.scratchDirectory() + QStringLiteral("/round.ossa");
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        const QStringList before = wiring(m_network);
+        const QStringList allBefore = names(m_network->getAllNodes());
+
+        QSignalSpy ended(OssShaderNetworkManager::instance(),
+                         &OssShaderNetworkManager::afterShaderNetworkEndCollection);
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        OssShaderNetwork *loaded =
+            OssProjectManager::instance()->currentProject()->networks().first();
+        QVERIFY(loaded != m_network);
+        m_network = loaded;
+        QVERIFY(ended.count() >= 1);
+        QCOMPARE(wiring(loaded), before);
+        QCOMPARE(names(loaded->getAllNodes()), allBefore);
+        OssSnBaseNode *blur2 = loaded->node(QStringLiteral("Blur"));
+        QCOMPARE(blur2->nodeAttributeValue("Radius").toDouble(), 7.5);
+        QCOMPARE(blur2->userAttribute("Note").value().toString(), QStringLiteral("soft"));
+        QVERIFY(blur2->bypassed());
+        auto *context = qobject_cast<RecordingContext *>(blur2->context("NodeGraphView"));
+        QCOMPARE(context->answer(), 42);
+        QCOMPARE(context->initializeCount, 1);
+        QVERIFY(qobject_cast<OssSnGroupNode *>(loaded->node(QStringLiteral("Group"))));
+        QCOMPARE(loaded->geoEntity()->name(), QStringLiteral("Head"));
+        QCOMPARE(undo()->count(), 0);
+
+        // Saving what was loaded gives the same file.
+        const QString again = m_environment.scratchDirectory() + QStringLiteral("/again.ossa");
+        QVERIFY(OssProjectManager::instance()->saveProject(again, &error));
+        QFile a(path), b(again);
+        QVERIFY(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
+        QCOMPARE(b.readAll(), a.readAll());
+    }
+
+    void badProjectFilesLeaveTheOpenProject_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("missing") << QByteArray() << "cannot open";
+        QTest::newRow("empty") << QByteArray("") << "empty";
+        QTest::newRow("not xml") << QByteArray("hello") << "";
+        QTest::newRow("truncated") << QByteArray("<OssaDocument formatVersion=\"1\"><object "
+                                                 "name=\"project\" type=\"OssProject\">")
+                                   << "";
+        QTest::newRow("not a project")
+            << QByteArray("<OssaDocument formatVersion=\"1\"><object name=\"x\" "
+                          "type=\"OssShaderNetwork\"/></OssaDocument>")
+            << "not a project file";
+    }
+
+    void badProjectFilesLeaveTheOpenProject()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, message);
+        m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        const QString path = m_environment.scratchDirectory() + "/" + QTest::currentDataTag();
+        if (QByteArray(QTest::currentDataTag()) != "missing") {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        }
+        QString error;
+        QVERIFY(!OssProjectManager::instance()->openProject(path, &error));
+        QVERIFY2(error.startsWith("\"" + path + "\""), qPrintable(error));
+        QVERIFY2(error.contains(message), qPrintable(error));
+        QCOMPARE(OssProjectManager::instance()->currentProject(), project);
+        QCOMPARE(names(m_network->nodes()), QStringList{"Blur"});
+    }
+
+    void unknownNodeTypesKeepTheirData()
+    {
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        const QString path = m_environment.scratchDirectory() + QStringLiteral("/unknown.ossa");
+        QString error;
+        QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray text = file.readAll();
+        file.close();
+        text.replace("Filter/Blur", "Gone/Blur");
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(text);
+        file.close();
+        OssDebugCapture capture;
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        OssShaderNetwork *loaded =
+            OssProjectManager::instance()->currentProject()->networks().first();
+        m_network = loaded;
+        OssSnBaseNode *kept = loaded->node(QStringLiteral("Blur"));
+        QVERIFY(kept);
+        QCOMPARE(kept->pathKey(), QStringLiteral("Gone/Blur"));
+        QCOMPARE(kept->inputNames(), (QStringList{"Input", "Mask"}));
+        QCOMPARE(wiring(loaded), QStringList{"Blur.Input<-Perlin.Output"});
+        QVERIFY(capture.contains(QStringLiteral("[ !! ] %1: node type 'Gone/Blur' is not "
+                                                "installed: unknown node type 'Gone/Blur'")
+                                     .arg(path)));
+    }
+
+    void convertKeepsNameAndMatchingConnections()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *invert = m_network->createNode(QStringLiteral("Adjust/Invert"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QVERIFY(invert->connectInput("Input", blur, "Output"));
+        const QStringList before = wiring(m_network);
+        const int steps = undo()->count();
+        OssSnBaseNode *sharpen = OssShaderNetworkManager::instance()->convertNodeToKeyPath(
+            blur, QStringLiteral("Filter/Sharpen"));
+        QVERIFY(sharpen);
+        QCOMPARE(sharpen->name(), QStringLiteral("Blur"));
+        QCOMPARE(sharpen->pathKey(), QStringLiteral("Filter/Sharpen"));
+        QStringList after = wiring(m_network);
+        after.sort();
+        QStringList expected = before;
+        expected.sort();
+        QCOMPARE(after, expected);
+        QCOMPARE(undo()->count(), steps + 1);
+        undo()->undo();
+        QCOMPARE(m_network->node(QStringLiteral("Blur")), blur);
+        QCOMPARE(wiring(m_network), before);
+    }
+
+    void viewerEdgeLivesOnTheRootNetwork()
+    {
+        OssSnBaseNode *viewer = m_network->createNode(QStringLiteral("Misc/Viewer"));
+        QVERIFY(qobject_cast<OssSnViewerNode *>(viewer));
+        QCOMPARE(viewer->inputNames().mid(0, 3), (QStringList{"0", "1", "2"}));
+        QVERIFY(viewer->hasInput(QStringLiteral("ToView")));
+        auto *group = qobject_cast<OssSnGroupNode *>(m_network->createNode("Misc/Group"));
+        QSignalSpy nodeSignal(viewer, &OssSnBaseNode::viewerNodeCurrentEdgeChanged);
+        group->groupNetwork()->setViewerNodeCurrentEdge(3);
+        QCOMPARE(m_network->viewerNodeCurrentEdge(), 3);
+        QCOMPARE(nodeSignal.count(), 1);
+        undo()->undo();
+        QCOMPARE(m_network->viewerNodeCurrentEdge(), 0);
+    }
+};
+
+QTEST_MAIN(tst_ShaderNetwork)
+#include "tst_ShaderNetwork.moc"
