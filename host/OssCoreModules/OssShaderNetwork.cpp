@@ -325,9 +325,11 @@ void OssShaderNetwork::addNodeDirect(OssSnBaseNode *node, int index)
     m_byName.insert(node->name(), node);
     connect(node, &OssSerializableObject::selectedChanged, this,
             &OssShaderNetwork::onNodeSelectedChanged, Qt::UniqueConnection);
-    for (const QString &name : node->contextNames())
-        if (OssSnBaseContext *context = node->context(name))
-            context->ensureGuiInitialized();
+    // Contexts come alive once their node is in a network the host announces.
+    if (m_announceNodes)
+        for (const QString &name : node->contextNames())
+            if (OssSnBaseContext *context = node->context(name))
+                context->ensureGuiInitialized();
     emit nodeAdded(node);
     if (m_announceNodes)
         OssShaderNetworkManager::instance()->registerNode(this, node);
@@ -365,21 +367,30 @@ void OssShaderNetwork::onNodeSelectedChanged()
 
 bool OssShaderNetwork::saveObjects(OssSerializer &serializer)
 {
-    for (OssSnBaseNode *node : qAsConst(m_nodes)) {
+    QList<OssSnBaseNode *> saved;
+    for (OssSnBaseNode *node : qAsConst(m_nodes))
+        if (m_saveSubset.isEmpty() || m_saveSubset.contains(node))
+            saved.append(node);
+    for (OssSnBaseNode *node : qAsConst(saved)) {
         const OssStringMap attributes{{QStringLiteral("pathKey"), node->pathKey()}};
         if (!serializer.saveObject(node, QStringLiteral("node"), attributes))
             return false;
     }
+    // Only connections between saved nodes.
+    const auto kept = [&saved](OssSnBaseNode *node, const QString &input) {
+        OssSnBaseNode *source = node->inputConnection(input);
+        return source && saved.contains(source) ? source : nullptr;
+    };
     int count = 0;
-    for (OssSnBaseNode *node : qAsConst(m_nodes))
+    for (OssSnBaseNode *node : qAsConst(saved))
         for (const QString &input : node->inputNames())
-            if (node->inputConnection(input))
+            if (kept(node, input))
                 ++count;
     serializer.beginCollection(QStringLiteral("connections"), count, QStringLiteral("QList"),
                                QStringLiteral("OssSnConnection"), OssStringMap());
-    for (OssSnBaseNode *node : qAsConst(m_nodes))
+    for (OssSnBaseNode *node : qAsConst(saved))
         for (const QString &input : node->inputNames())
-            if (OssSnBaseNode *source = node->inputConnection(input))
+            if (OssSnBaseNode *source = kept(node, input))
                 serializer.addCollectionElement(
                     OssStringMap{{QStringLiteral("target"), node->name()},
                                  {QStringLiteral("input"), input},

@@ -54,6 +54,9 @@ public:
     // Moves the root's current viewer into this network and returns it (null when none).
     OssSnBaseNode *moveCurrentViewerNodeToNetwork();
 
+    // Limits saving to these nodes and the connections between them (empty: all nodes).
+    void setSaveSubset(const QList<OssSnBaseNode *> &nodes) { m_saveSubset = nodes; }
+
     // A scratch network (import staging) does not tell the manager about its nodes.
     void setAnnounceNodes(bool announce) { m_announceNodes = announce; }
 
@@ -122,6 +125,7 @@ private:
     QHash<QString, OssSnBaseNode *> m_byName;
     bool m_allowViewUpdate = true;
     bool m_announceNodes = true;
+    QList<OssSnBaseNode *> m_saveSubset;
     int m_viewerEdge = 0;
     QVector<OssSnBaseNode *> m_loadingNodes;
     QVector<PendingConnection> m_loadingConnections;

@@ -1,5 +1,6 @@
 #include "OssSnGroupNode.h"
 
+#include "OssLayerShaderModel.h"
 #include "OssShaderNetwork.h"
 #include "OssShaderNetworkManager.h"
 #include "OssSnSpecialNodes.h"
@@ -154,12 +155,28 @@ void OssSnGroupNode::onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldN
         renameOutputPoint(oldName, node->name());
 }
 
+OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode(QObject *parent) : OssSnGroupNode(parent)
+{
+    m_shaderModel = OssLayerShaderModelManager::instance()->defaultModel();
+}
+
 void OssSnMultiChannelGroupNode::setShaderModel(OssLayerShaderModel *model)
 {
     if (m_shaderModel == model)
         return;
     m_shaderModel = model;
+    setValid(model != nullptr);
     emit shaderModelChanged();
+}
+
+QString OssSnMultiChannelGroupNode::shaderModelId() const
+{
+    return m_shaderModel ? m_shaderModel->id() : QString();
+}
+
+void OssSnMultiChannelGroupNode::setShaderModelId(const QString &id)
+{
+    setShaderModel(OssLayerShaderModelManager::instance()->model(id));
 }
 
 void OssSnMultiChannelGroupNode::setValid(bool valid)

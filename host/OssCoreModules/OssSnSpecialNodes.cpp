@@ -2,6 +2,7 @@
 
 #include "OssProject.h"
 #include "OssShaderNetwork.h"
+#include "OssSnNodeType.h"
 #include "OssSnNodeTypeCatalogue.h"
 
 #include <OssSerializer.h>
@@ -293,4 +294,19 @@ bool OssSnViewerNode::connectViewerInput(const QString &number, OssSnBaseNode *s
     if (ok && network())
         network()->setViewerNodeCurrentEdge(edge, undoable);
     return true;
+}
+
+void OssSnUINode::applyType(const OssSnNodeType &type)
+{
+    OssSnBaseNode::applyType(type);
+    static const QStringList shown{QStringLiteral("TitleText"), QStringLiteral("BackgroundColor"),
+                                   QStringLiteral("ZOrder"), QStringLiteral("Label")};
+    QList<OssCustomAttribute> kept;
+    for (const OssCustomAttribute &attribute : nodeAttributes()) {
+        if (shown.contains(attribute.name()))
+            setUserAttribute(attribute, false);
+        else
+            kept.append(attribute);
+    }
+    setNodeAttributesDirect(kept);
 }

@@ -221,4 +221,7 @@ class OSSCOREMODULES_EXPORT OssSnUINode : public OssSnBaseNode
 public:
     using OssSnBaseNode::OssSnBaseNode;
     bool outputPortsHidden() const override { return outputPointCount() == 0; }
+    // Title, label, colour and z-order are user attributes that the views show; the type's
+    // attributes of those names give their first values.
+    void applyType(const OssSnNodeType &type) override;
 };
