@@ -194,6 +194,15 @@ void OssSnImageSetNodeBase::setImageSet(OssChannel *imageSet, bool notify)
         emit imageSetChanged();
 }
 
+OssChannel *OssSnImageSetNodeBase::imageSet() const
+{
+    if (m_imageSet)
+        return m_imageSet;
+    const OssShaderNetwork *owner = network();
+    const OssShadingGroup *group = owner ? owner->shadingGroup() : nullptr;
+    return group && !m_imageSetName.isEmpty() ? group->channel(m_imageSetName) : nullptr;
+}
+
 QString OssSnImageSetNodeBase::imageSetName() const
 {
     return m_imageSet ? m_imageSet->name() : m_imageSetName;

@@ -96,7 +96,8 @@ class OSSCOREMODULES_EXPORT OssSnImageSetNodeBase : public OssSnBaseNode
     Q_PROPERTY(QString imageSetName READ imageSetName WRITE setImageSetName)
 public:
     using OssSnBaseNode::OssSnBaseNode;
-    OssChannel *imageSet() const { return m_imageSet; }
+    // The attached channel, or the shading group's channel of the saved image-set name.
+    OssChannel *imageSet() const;
     void setImageSet(OssChannel *imageSet, bool notify = true);
     QString imageSetName() const;
     void setImageSetName(const QString &name) { m_imageSetName = name; }

@@ -3,6 +3,7 @@
 #include <OssDebug.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
+#include <OssResourceInfo.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkContextLoader.h>
 #include <OssShaderNetworkManager.h>
@@ -498,6 +499,26 @@ private slots:
         undo()->undo();
         QCOMPARE(m_network->node(QStringLiteral("Blur")), blur);
         QCOMPARE(wiring(m_network), before);
+    }
+
+    void sampleProjectOpensCleanly()
+    {
+        const QString path =
+            OssResourceInfo::instance()->projectPath() + QStringLiteral("/sample.ossa");
+        OssDebugCapture capture;
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        QVERIFY2(capture.messages().isEmpty(), qPrintable(capture.messages().join('\n')));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        m_network = project->networks().first();
+        QCOMPARE(m_network->geoEntity()->name(), QStringLiteral("Helmet"));
+        QVERIFY(m_network->getAllNodes().size() >= 20);
+        auto *paint = qobject_cast<OssSnChannelInputNode *>(m_network->node("Paint_Diffuse"));
+        QVERIFY(paint && paint->imageSet());
+        QCOMPARE(paint->imageSet()->name(), QStringLiteral("Diffuse Color"));
+        QCOMPARE(m_network->node("Surface")->inputConnection("Diffuse Color"),
+                 m_network->node("Paint_Merge"));
+        QVERIFY(m_network->viewerNode());
     }
 
     void viewerEdgeLivesOnTheRootNetwork()
