@@ -13,7 +13,9 @@
 #include <OssUndoManager.h>
 
 #include <QRegularExpression>
+
 #include <QSet>
+#include <algorithm>
 
 OssShaderNetwork::OssShaderNetwork(const QString &name, QObject *parent)
     : OssSerializableObject(parent), m_name(name)
@@ -363,6 +365,41 @@ void OssShaderNetwork::onNodeSelectedChanged()
     emit nodeSelectionChanged();
 }
 
+QString OssShaderNetwork::dump() const
+{
+    QList<OssSnBaseNode *> sorted = m_nodes;
+    std::sort(sorted.begin(), sorted.end(),
+              [](const OssSnBaseNode *a, const OssSnBaseNode *b) { return a->name() < b->name(); });
+    QStringList lines;
+    lines << QStringLiteral("network %1 viewer=%2").arg(path()).arg(m_viewerEdge);
+    for (const OssSnBaseNode *node : qAsConst(sorted)) {
+        lines << QStringLiteral("node %1 %2 key=%3 enabled=%4 bypassed=%5 tags=%6 order=%7")
+                     .arg(node->name(), QString::fromLatin1(node->metaObject()->className()),
+                          node->pathKey())
+                     .arg(node->enabledAsBool())
+                     .arg(node->bypassed())
+                     .arg(node->tags().join(QLatin1Char(',')),
+                          node->nodeAttributeNames().join(QLatin1Char(',')));
+        for (const QString &input : node->inputNames()) {
+            const OssSnBaseNode *source = node->inputConnection(input);
+            lines << QStringLiteral("  in %1 <- %2")
+                         .arg(input, source ? source->name() + QLatin1Char('.') +
+                                                  node->inputOutputPoint(input)
+                                            : QStringLiteral("-"));
+        }
+        lines << QStringLiteral("  out %1").arg(node->outputPointNames().join(QLatin1Char(',')));
+        for (const OssCustomAttribute &attribute : node->userAttributes())
+            lines << QStringLiteral("  attr %1 (%2, %3, %4) = %5")
+                         .arg(attribute.name(), attribute.prettyName(), attribute.typeName())
+                         .arg(attribute.isVisible())
+                         .arg(OssSerializer::variantToText(attribute.value()));
+        if (const auto *group = qobject_cast<const OssSnGroupNode *>(node))
+            for (const QString &line : group->groupNetwork()->dump().split(QLatin1Char('\n')))
+                lines << QStringLiteral("  | ") + line;
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
 // --- saving
 
 bool OssShaderNetwork::saveObjects(OssSerializer &serializer)
@@ -407,7 +444,8 @@ OssSerializableObject *OssShaderNetwork::onLoadSubObject(OssDeserializer &deseri
         return nullptr;
     const QString pathKey = deserializer.currentAttributes().value(QStringLiteral("pathKey"));
     QString error;
-    OssSnBaseNode *node = OssShaderNetworkManager::instance()->instantiateNode(pathKey, &error);
+    OssSnBaseNode *node =
+        OssShaderNetworkManager::instance()->instantiateNode(pathKey, &error, true);
     if (!node) {
         // Keep the node's saved ports, attributes and connections in a node of its saved
         // class, so that nothing in the file is lost.

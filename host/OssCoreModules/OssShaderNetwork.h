@@ -103,6 +103,10 @@ public:
                                 const QString &elementType, int index,
                                 const OssStringMap &attributes) override;
     void onLoadFinished() override;
+    // A canonical text of the whole network (nodes by name with class, type, state, ports,
+    // connections, user attributes and group contents), for comparing networks.
+    QString dump() const;
+
     // Problems met while loading (unknown node types, bad connections), for the caller's log.
     QStringList loadWarnings() const { return m_loadWarnings; }
 

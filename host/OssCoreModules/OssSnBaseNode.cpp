@@ -87,11 +87,14 @@ void OssSnBaseNode::applyType(const OssSnNodeType &type)
         m_outputs.append(output);
     }
     m_preferredOutput = type.preferredOutput;
-    m_nodeAttributes.clear();
+    for (const QString &name : qAsConst(m_attributeOrder))
+        removeUserAttribute(name, false);
+    m_attributeOrder.clear();
     for (const OssSnNodeTypeAttribute &attribute : type.attributes) {
-        OssCustomAttribute value(attribute.name, attribute.defaultValue, attribute.prettyName,
-                                 attribute.visible);
-        m_nodeAttributes.append(value);
+        setUserAttribute(OssCustomAttribute(attribute.name, attribute.defaultValue,
+                                            attribute.prettyName, attribute.visible),
+                         false);
+        m_attributeOrder.append(attribute.name);
     }
     m_versionUuid = type.versionUuid;
     m_versionHashCreated = type.hash;
@@ -178,14 +181,6 @@ int OssSnBaseNode::indexOfOutput(const QString &name) const
 {
     for (int i = 0; i < m_outputs.size(); ++i)
         if (m_outputs.at(i).name == name)
-            return i;
-    return -1;
-}
-
-int OssSnBaseNode::indexOfAttribute(const QString &name) const
-{
-    for (int i = 0; i < m_nodeAttributes.size(); ++i)
-        if (m_nodeAttributes.at(i).name() == name)
             return i;
     return -1;
 }
@@ -658,10 +653,18 @@ void OssSnBaseNode::setGuiActive(bool active)
 
 // --- node attributes
 
+QList<OssCustomAttribute> OssSnBaseNode::nodeAttributes() const
+{
+    QList<OssCustomAttribute> attributes;
+    attributes.reserve(m_attributeOrder.size());
+    for (const QString &name : m_attributeOrder)
+        attributes.append(userAttribute(name));
+    return attributes;
+}
+
 OssCustomAttribute OssSnBaseNode::nodeAttribute(const QString &name) const
 {
-    const int index = indexOfAttribute(name);
-    return index < 0 ? OssCustomAttribute() : m_nodeAttributes.at(index);
+    return hasNodeAttribute(name) ? userAttribute(name) : OssCustomAttribute();
 }
 
 QVariant OssSnBaseNode::nodeAttributeValue(const QString &name) const
@@ -673,91 +676,105 @@ void OssSnBaseNode::setNodeAttribute(const QString &name, const QVariant &value,
 {
     if (name.isEmpty())
         return;
-    const int index = indexOfAttribute(name);
-    if (index >= 0 && m_nodeAttributes.at(index).value() == value)
+    const bool known = hasNodeAttribute(name);
+    if (known && userAttribute(name).value() == value)
         return;
     if (!final || OssUndoManager::instance()->isReplaying()) {
         setNodeAttributeDirect(name, value);
         return;
     }
-    QList<OssCustomAttribute> after = m_nodeAttributes;
-    if (index >= 0)
-        after[index].setValue(value);
-    else
-        after.append(OssCustomAttribute(name, value));
+    QList<OssCustomAttribute> after = nodeAttributes();
+    if (known) {
+        after[m_attributeOrder.indexOf(name)].setValue(value);
+    } else {
+        OssCustomAttribute created =
+            exists(name) ? userAttribute(name) : OssCustomAttribute(name, value);
+        created.setValue(value);
+        after.append(created);
+    }
     OssUndoManager::instance()->addUndo(new OssSnNodeAttributeCommand(
-        QStringLiteral("Set %1").arg(name), this, m_nodeAttributes, after));
+        QStringLiteral("Set %1").arg(name), this, nodeAttributes(), after));
 }
 
 void OssSnBaseNode::setNodeAttributeDirect(const QString &name, const QVariant &value)
 {
-    const int index = indexOfAttribute(name);
-    if (index >= 0) {
-        m_nodeAttributes[index].setValue(value);
-    } else {
-        m_nodeAttributes.append(OssCustomAttribute(name, value));
+    OssCustomAttribute attribute =
+        exists(name) ? userAttribute(name) : OssCustomAttribute(name, value);
+    attribute.setValue(value);
+    const bool created = !hasNodeAttribute(name);
+    if (created)
+        m_attributeOrder.append(name);
+    setUserAttribute(attribute);
+    if (created)
         emit nodeAttributeCreated(name);
-    }
     emit nodeAttributeChanged(name, value);
 }
 
 bool OssSnBaseNode::removeNodeAttribute(const QString &name, bool undoable)
 {
-    const int index = indexOfAttribute(name);
+    const int index = m_attributeOrder.indexOf(name);
     if (index < 0)
         return false;
-    QList<OssCustomAttribute> after = m_nodeAttributes;
+    QList<OssCustomAttribute> after = nodeAttributes();
     after.removeAt(index);
     pushOrRun(new OssSnNodeAttributeCommand(QStringLiteral("Remove %1").arg(name), this,
-                                            m_nodeAttributes, after),
+                                            nodeAttributes(), after),
               undoable);
     return true;
 }
 
 bool OssSnBaseNode::renameNodeAttribute(const QString &oldName, const QString &newName)
 {
-    const int index = indexOfAttribute(oldName);
-    if (index < 0 || newName.isEmpty() || hasNodeAttribute(newName))
+    const int index = m_attributeOrder.indexOf(oldName);
+    if (index < 0 || newName.isEmpty() || exists(newName))
         return false;
-    const OssCustomAttribute old = m_nodeAttributes.at(index);
-    m_nodeAttributes[index] = OssCustomAttribute(
-        newName, old.value(), old.prettyName() == oldName ? newName : old.prettyName(),
-        old.isVisible());
+    const OssCustomAttribute old = userAttribute(oldName);
+    removeUserAttribute(oldName, false);
+    m_attributeOrder[index] = newName;
+    setUserAttribute(OssCustomAttribute(newName, old.value(),
+                                        old.prettyName() == oldName ? newName : old.prettyName(),
+                                        old.isVisible()),
+                     false);
     emit nodeAttributeRenamed(oldName, newName);
     return true;
 }
 
 bool OssSnBaseNode::setNodeAttributePrettyName(const QString &name, const QString &prettyName)
 {
-    const int index = indexOfAttribute(name);
-    if (index < 0)
+    if (!hasNodeAttribute(name))
         return false;
-    m_nodeAttributes[index].setPrettyName(prettyName);
+    OssCustomAttribute attribute = userAttribute(name);
+    attribute.setPrettyName(prettyName);
+    setUserAttribute(attribute);
     emit nodeAttributePrettyNameChanged(name, prettyName);
     return true;
 }
 
 void OssSnBaseNode::setNodeAttributesUndo(const QList<OssCustomAttribute> &attributes)
 {
-    if (attributes == m_nodeAttributes)
+    if (attributes == nodeAttributes())
         return;
-    pushOrRun(new OssSnNodeAttributeCommand(QStringLiteral("Reorder Knobs"), this, m_nodeAttributes,
+    pushOrRun(new OssSnNodeAttributeCommand(QStringLiteral("Reorder Knobs"), this, nodeAttributes(),
                                             attributes),
               true);
 }
 
 void OssSnBaseNode::setNodeAttributesDirect(const QList<OssCustomAttribute> &attributes)
 {
-    QSet<QString> before;
-    for (const OssCustomAttribute &attribute : qAsConst(m_nodeAttributes))
-        before.insert(attribute.name());
-    QSet<QString> after;
+    const QList<OssCustomAttribute> old = nodeAttributes();
+    QStringList order;
     for (const OssCustomAttribute &attribute : attributes)
-        after.insert(attribute.name());
-    const QList<OssCustomAttribute> old = m_nodeAttributes;
-    m_nodeAttributes = attributes;
+        order.append(attribute.name());
     for (const OssCustomAttribute &attribute : old)
-        if (!after.contains(attribute.name()) && attribute.isVisible())
+        if (!order.contains(attribute.name()))
+            removeUserAttribute(attribute.name(), false);
+    const QStringList before = m_attributeOrder;
+    m_attributeOrder = order;
+    for (const OssCustomAttribute &attribute : attributes)
+        if (attribute != userAttribute(attribute.name()))
+            setUserAttribute(attribute);
+    for (const OssCustomAttribute &attribute : old)
+        if (!order.contains(attribute.name()) && attribute.isVisible())
             emit visibleNodeAttributeRemoved(attribute.name());
     for (const OssCustomAttribute &attribute : attributes)
         if (!before.contains(attribute.name()))
@@ -767,11 +784,8 @@ void OssSnBaseNode::setNodeAttributesDirect(const QList<OssCustomAttribute> &att
 
 QString OssSnBaseNode::nodeAttributeNameAsUserAttributeName(const QString &attribute) const
 {
-    QString name = m_name + QLatin1Char('_') + attribute;
-    for (QChar &c : name)
-        if (!c.isLetterOrNumber() && c != QLatin1Char('_'))
-            c = QLatin1Char('_');
-    return name;
+    // Node attributes are stored as user attributes of the same name.
+    return attribute;
 }
 
 // --- versions
@@ -817,7 +831,7 @@ QString OssSnBaseNode::dumpNodeInfo() const
         lines << QStringLiteral("  output %1 (%2) -> %3 connection(s)")
                      .arg(out.name, out.type)
                      .arg(outputLinkCount(out.name));
-    for (const OssCustomAttribute &attribute : m_nodeAttributes)
+    for (const OssCustomAttribute &attribute : nodeAttributes())
         lines << QStringLiteral("  attribute %1 = %2")
                      .arg(attribute.name(), OssSerializer::variantToText(attribute.value()));
     return lines.join(QLatin1Char('\n'));
@@ -864,17 +878,12 @@ bool OssSnBaseNode::saveObjects(OssSerializer &serializer)
                          {QStringLiteral("type"), out.type},
                          {QStringLiteral("prettyName"), out.prettyName}});
     serializer.endCollection();
-    serializer.beginCollection(QStringLiteral("nodeAttributes"), m_nodeAttributes.size(),
-                               QStringLiteral("QList"), QStringLiteral("OssCustomAttribute"),
+    // Values are saved with the user attributes; this is their knob order.
+    serializer.beginCollection(QStringLiteral("nodeAttributes"), m_attributeOrder.size(),
+                               QStringLiteral("QStringList"), QStringLiteral("QString"),
                                OssStringMap());
-    for (const OssCustomAttribute &attribute : qAsConst(m_nodeAttributes))
-        serializer.addCollectionElement(
-            OssStringMap{{QStringLiteral("name"), attribute.name()},
-                         {QStringLiteral("prettyName"), attribute.prettyName()},
-                         {QStringLiteral("type"), attribute.typeName()},
-                         {QStringLiteral("value"), OssSerializer::variantToText(attribute.value())},
-                         {QStringLiteral("visible"),
-                          attribute.isVisible() ? QStringLiteral("1") : QStringLiteral("0")}});
+    for (const QString &name : qAsConst(m_attributeOrder))
+        serializer.addCollectionElement(OssStringMap{{QStringLiteral("name"), name}});
     serializer.endCollection();
     for (auto it = m_contexts.cbegin(); it != m_contexts.cend(); ++it)
         if (it.value() && !serializer.saveObject(it.value(), it.key()))
@@ -902,7 +911,7 @@ bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const
         return true;
     }
     if (name == QLatin1String("nodeAttributes")) {
-        m_loadingAttributes.clear();
+        m_loadingAttributeOrder.clear();
         return true;
     }
     return false;
@@ -932,12 +941,8 @@ void OssSnBaseNode::onLoadCollectionObject(const QString &name, const QString &,
         if (!out.name.isEmpty())
             m_loadingOutputs.append(out);
     } else if (name == QLatin1String("nodeAttributes")) {
-        bool ok = false;
-        const QVariant converted = OssSerializer::textToVariant(value("value"), value("type"), &ok);
-        OssCustomAttribute attribute(value("name"), ok ? converted : QVariant(value("value")),
-                                     value("prettyName"), value("visible") != QLatin1String("0"));
-        if (attribute.isValid())
-            m_loadingAttributes.append(attribute);
+        if (!value("name").isEmpty())
+            m_loadingAttributeOrder.append(value("name"));
     }
 }
 
@@ -949,6 +954,11 @@ void OssSnBaseNode::onEndCollection(const QString &name, const QString &, const 
         m_inputs = m_loadingInputs;
     else if (name == QLatin1String("outputPoints"))
         m_outputs = m_loadingOutputs;
-    else if (name == QLatin1String("nodeAttributes"))
-        m_nodeAttributes = m_loadingAttributes;
+    else if (name == QLatin1String("nodeAttributes")) {
+        // Attributes of the type that the saved node no longer had go away.
+        for (const QString &old : qAsConst(m_attributeOrder))
+            if (!m_loadingAttributeOrder.contains(old))
+                removeUserAttribute(old, false);
+        m_attributeOrder = m_loadingAttributeOrder;
+    }
 }

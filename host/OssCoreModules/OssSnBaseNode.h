@@ -206,9 +206,11 @@ public:
     bool guiActive() const { return m_guiActive; }
     void setGuiActive(bool active);
 
-    // --- node attributes, in knob order
-    QList<OssCustomAttribute> nodeAttributes() const { return m_nodeAttributes; }
-    bool hasNodeAttribute(const QString &name) const { return indexOfAttribute(name) >= 0; }
+    // --- node attributes: the user attributes that stand for the node's parameters, in knob
+    // order (other user attributes are display state or the host's own).
+    QList<OssCustomAttribute> nodeAttributes() const;
+    QStringList nodeAttributeNames() const { return m_attributeOrder; }
+    bool hasNodeAttribute(const QString &name) const { return m_attributeOrder.contains(name); }
     OssCustomAttribute nodeAttribute(const QString &name) const;
     QVariant nodeAttributeValue(const QString &name) const;
     // Sets an existing attribute's value, or creates the attribute; undoable when Final.
@@ -323,7 +325,6 @@ protected:
 
     int indexOfInput(const QString &name) const;
     int indexOfOutput(const QString &name) const;
-    int indexOfAttribute(const QString &name) const;
 
 private:
     friend class OssSnNodeAttributeCommand;
@@ -341,7 +342,7 @@ private:
     QVector<OssSnNodeOutputPoint> m_outputs;
     QString m_preferredOutput;
     QVector<OssSnOutputLink> m_outputLinks;
-    QList<OssCustomAttribute> m_nodeAttributes;
+    QStringList m_attributeOrder;
     QMap<QString, QPointer<OssSnBaseContext>> m_contexts;
     QPointer<OssSnBaseNode> m_container;
     bool m_enabled = true;
@@ -354,7 +355,7 @@ private:
     // Collections being read back.
     QVector<OssSnNodeInput> m_loadingInputs;
     QVector<OssSnNodeOutputPoint> m_loadingOutputs;
-    QList<OssCustomAttribute> m_loadingAttributes;
+    QStringList m_loadingAttributeOrder;
 };
 
 Q_DECLARE_METATYPE(OssSnBaseNode *)

@@ -1,11 +1,14 @@
 #include "OssSnGroupNode.h"
 
+#include "OssArchive.h"
 #include "OssLayerShaderModel.h"
 #include "OssShaderNetwork.h"
+#include "OssShaderNetworkCommands.h"
 #include "OssShaderNetworkManager.h"
 #include "OssSnSpecialNodes.h"
 
 #include <OssDeserializer.h>
+#include <OssLinkedCustomAttributeManager.h>
 #include <OssSerializer.h>
 #include <OssUndoManager.h>
 
@@ -34,6 +37,149 @@ OssSnGroupNode::OssSnGroupNode(QObject *parent)
     connect(m_groupNetwork, &OssShaderNetwork::nodeAdded, this, &OssSnGroupNode::onInnerNodeAdded);
     connect(m_groupNetwork, &OssShaderNetwork::nodeRemoved, this,
             &OssSnGroupNode::onInnerNodeRemoved);
+    connect(this, &OssSnBaseNode::nodeAttributeChanged, this,
+            &OssSnGroupNode::onOwnAttributeChanged);
+}
+
+namespace {
+
+using Links = QList<OssLinkedCustomAttributeManager::Link>;
+
+// Sets the links of one knob to a given list, and back.
+class KnobLinksCommand : public QUndoCommand
+{
+public:
+    KnobLinksCommand(OssSnGroupNode *group, const QString &knob, const Links &after)
+        : QUndoCommand(QStringLiteral("Link %1").arg(knob)), m_group(group), m_knob(knob),
+          m_before(OssLinkedCustomAttributeManager::instance()->links(group, knob)), m_after(after)
+    {}
+    void redo() override { apply(m_after); }
+    void undo() override { apply(m_before); }
+
+private:
+    void apply(const Links &links)
+    {
+        if (!m_group)
+            return;
+        OssLinkedCustomAttributeManager *manager = OssLinkedCustomAttributeManager::instance();
+        manager->unlinkAll(m_group, m_knob);
+        for (const auto &link : links)
+            if (link.first)
+                manager->link(m_group, m_knob, link.first, link.second);
+    }
+    QPointer<OssSnGroupNode> m_group;
+    QString m_knob;
+    Links m_before, m_after;
+};
+
+void pushStep(QUndoCommand *command)
+{
+    if (OssUndoManager::instance()->isReplaying()) {
+        command->redo();
+        delete command;
+    } else {
+        OssUndoManager::instance()->addUndo(command);
+    }
+}
+
+} // namespace
+
+QString OssSnGroupNode::createKnob(OssSnBaseNode *inner, const QString &attribute,
+                                   const QString &group)
+{
+    if (!inner || inner->network() != m_groupNetwork || !inner->exists(attribute))
+        return QString();
+    QString groupName = group.isEmpty() ? inner->name() : group;
+    groupName.replace(QLatin1Char('/'), QLatin1Char('_'));
+    QString knob = groupName + QLatin1Char('/') + attribute;
+    for (int i = 1; exists(knob); ++i)
+        knob = groupName + QLatin1Char('/') + attribute + QString::number(i);
+    const OssCustomAttribute source = inner->userAttribute(attribute);
+    OssUndoManager::AutoMacro macro(QStringLiteral("Create Knob %1").arg(knob));
+    QList<OssCustomAttribute> after = nodeAttributes();
+    after.append(OssCustomAttribute(knob, source.value(), source.prettyName(), true));
+    pushStep(new OssSnNodeAttributeCommand(QStringLiteral("Create Knob %1").arg(knob), this,
+                                           nodeAttributes(), after));
+    pushStep(new KnobLinksCommand(this, knob, Links{{inner, attribute}}));
+    return knob;
+}
+
+QString OssSnGroupNode::linkKnobs(const QString &newName, const QStringList &knobs)
+{
+    if (knobs.isEmpty() || newName.isEmpty())
+        return QString();
+    QString type;
+    Links links;
+    for (const QString &knob : knobs) {
+        if (!hasNodeAttribute(knob))
+            return QString();
+        const QString knobType = userAttribute(knob).typeName();
+        if (!type.isEmpty() && knobType != type)
+            return QString();
+        type = knobType;
+        for (const auto &link : OssLinkedCustomAttributeManager::instance()->links(this, knob))
+            if (!links.contains(link))
+                links.append(link);
+    }
+    const QString groupName = getAttributeGroupName(knobs.first());
+    const QString linked = groupName.isEmpty() ? newName : groupName + QLatin1Char('/') + newName;
+    if (exists(linked) && !knobs.contains(linked))
+        return QString();
+    OssUndoManager::AutoMacro macro(QStringLiteral("Link Knobs %1").arg(newName));
+    const OssCustomAttribute first = userAttribute(knobs.first());
+    QList<OssCustomAttribute> after;
+    for (const OssCustomAttribute &attribute : nodeAttributes()) {
+        if (attribute.name() == knobs.first())
+            after.append(OssCustomAttribute(linked, first.value(), newName, true));
+        else if (!knobs.contains(attribute.name()))
+            after.append(attribute);
+    }
+    for (const QString &knob : knobs)
+        pushStep(new KnobLinksCommand(this, knob, Links()));
+    pushStep(
+        new OssSnNodeAttributeCommand(QStringLiteral("Link Knobs"), this, nodeAttributes(), after));
+    pushStep(new KnobLinksCommand(this, linked, links));
+    return linked;
+}
+
+bool OssSnGroupNode::renameKnobName(const QString &knob, const QString &oldPrettyName,
+                                    const QString &newText)
+{
+    if (!hasNodeAttribute(knob) || newText.isEmpty() || newText == oldPrettyName)
+        return false;
+    QList<OssCustomAttribute> after = nodeAttributes();
+    for (OssCustomAttribute &attribute : after)
+        if (attribute.name() == knob)
+            attribute.setPrettyName(newText);
+    pushStep(new OssSnNodeAttributeCommand(QStringLiteral("Rename Knob"), this, nodeAttributes(),
+                                           after));
+    emit nodeAttributePrettyNameChanged(knob, newText);
+    return true;
+}
+
+bool OssSnGroupNode::deleteAttribute(const QString &knob)
+{
+    if (!hasNodeAttribute(knob))
+        return false;
+    OssUndoManager::AutoMacro macro(QStringLiteral("Delete Knob %1").arg(knob));
+    pushStep(new KnobLinksCommand(this, knob, Links()));
+    return removeNodeAttribute(knob);
+}
+
+QList<QPair<OssSnBaseNode *, QString>> OssSnGroupNode::knobLinks(const QString &knob) const
+{
+    QList<QPair<OssSnBaseNode *, QString>> result;
+    for (const auto &link : OssLinkedCustomAttributeManager::instance()->links(this, knob))
+        if (auto *node = qobject_cast<OssSnBaseNode *>(link.first))
+            result.append(qMakePair(node, link.second));
+    return result;
+}
+
+void OssSnGroupNode::onOwnAttributeChanged(const QString &name, const QVariant &value)
+{
+    // A knob drives the inner attributes linked to it.
+    for (const auto &link : knobLinks(name))
+        link.first->setNodeAttribute(link.second, value, false);
 }
 
 QList<OssSnBaseNode *> OssSnGroupNode::groupInputNodes() const
@@ -107,6 +253,17 @@ bool OssSnGroupNode::saveObjects(OssSerializer &serializer)
 {
     if (!OssSnBaseNode::saveObjects(serializer))
         return false;
+    QList<OssStringMap> links;
+    for (const QString &knob : nodeAttributeNames())
+        for (const auto &link : knobLinks(knob))
+            links.append(OssStringMap{{QStringLiteral("knob"), knob},
+                                      {QStringLiteral("node"), link.first->name()},
+                                      {QStringLiteral("attribute"), link.second}});
+    serializer.beginCollection(QStringLiteral("knobLinks"), links.size(), QStringLiteral("QList"),
+                               QStringLiteral("OssKnobLink"), OssStringMap());
+    for (const OssStringMap &link : qAsConst(links))
+        serializer.addCollectionElement(link);
+    serializer.endCollection();
     return serializer.saveObject(m_groupNetwork, QStringLiteral("groupNetwork"));
 }
 
@@ -116,6 +273,39 @@ OssSerializableObject *OssSnGroupNode::onLoadSubObject(OssDeserializer &deserial
     if (name == QLatin1String("groupNetwork"))
         return m_groupNetwork;
     return OssSnBaseNode::onLoadSubObject(deserializer, name, type);
+}
+
+bool OssSnGroupNode::onLoadCollection(const QString &name, const QString &type,
+                                      const QString &elementType, int count,
+                                      const OssStringMap &attributes)
+{
+    if (name == QLatin1String("knobLinks")) {
+        m_loadingLinks.clear();
+        return true;
+    }
+    return OssSnBaseNode::onLoadCollection(name, type, elementType, count, attributes);
+}
+
+void OssSnGroupNode::onLoadCollectionObject(const QString &name, const QString &type,
+                                            const QString &elementType, int index,
+                                            const OssStringMap &attributes)
+{
+    if (name == QLatin1String("knobLinks"))
+        m_loadingLinks.append(attributes);
+    else
+        OssSnBaseNode::onLoadCollectionObject(name, type, elementType, index, attributes);
+}
+
+void OssSnGroupNode::onLoadFinished()
+{
+    // The subnetwork is loaded by now; links name its nodes.
+    for (const OssStringMap &link : qAsConst(m_loadingLinks))
+        if (OssSnBaseNode *node = m_groupNetwork->node(link.value(QStringLiteral("node"))))
+            OssLinkedCustomAttributeManager::instance()->link(
+                this, link.value(QStringLiteral("knob")), node,
+                link.value(QStringLiteral("attribute")));
+    m_loadingLinks.clear();
+    OssSnBaseNode::onLoadFinished();
 }
 
 void OssSnGroupNode::onInnerNodeAdded(OssSnBaseNode *node)
@@ -259,16 +449,15 @@ void OssSnMaterialNode::connectPreviewShaderNetwork()
 
 bool OssSnMaterialNode::importFromFile(const QString &path, QStringList *errors)
 {
-    OssDeserializer deserializer;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QByteArray data;
+    QString error;
+    if (!OssArchive::read(path, QString::fromLatin1(OssArchive::MaterialKind), &data, &error)) {
         if (errors)
-            errors->append(QStringLiteral("\"%1\": cannot open: %2").arg(path, file.errorString()));
+            errors->append(error);
         return false;
     }
-    const QByteArray data = file.readAll();
+    OssDeserializer deserializer;
     QString type;
-    QString error;
     if (!deserializer.inspect(data, &type, &error, path)) {
         if (errors)
             errors->append(error);
@@ -276,7 +465,8 @@ bool OssSnMaterialNode::importFromFile(const QString &path, QStringList *errors)
     }
     if (type != QLatin1String("OssShaderNetwork")) {
         if (errors)
-            errors->append(QStringLiteral("\"%1\": not a material archive").arg(path));
+            errors->append(
+                QStringLiteral("\"%1\": the archive holds no material network").arg(path));
         return false;
     }
     // Read into a scratch network first so a bad archive leaves this material as it was.
@@ -298,6 +488,13 @@ bool OssSnMaterialNode::importFromFile(const QString &path, QStringList *errors)
         groupNetwork()->insertNode(node);
     }
     return true;
+}
+
+bool OssSnMaterialNode::exportToFile(const QString &path, QString *error)
+{
+    OssSerializer serializer;
+    const QByteArray data = serializer.saveToData(groupNetwork(), QStringLiteral("material"));
+    return OssArchive::write(path, QString::fromLatin1(OssArchive::MaterialKind), data, error);
 }
 
 bool OssSnMaterialNode::generateMaterialThumbnail(const QString &path)

@@ -24,9 +24,29 @@ public:
     // The attribute group of a knob named "group/knob" ("" for a plain name).
     static QString getAttributeGroupName(const QString &attribute);
 
+    // Knobs: attributes of the group named "group/knob" that drive attributes of inner nodes.
+    // Each call is one undo step.
+    // Creates a knob for Inner's attribute in the attribute group Group (the inner node's name
+    // when empty); returns the knob's attribute name, "" when refused.
+    QString createKnob(OssSnBaseNode *inner, const QString &attribute,
+                       const QString &group = QString());
+    // Replaces the given knobs by one knob NewName (in the first knob's group) that drives all
+    // their links; refused when the knobs' values differ in type. Returns its attribute name.
+    QString linkKnobs(const QString &newName, const QStringList &knobs);
+    bool renameKnobName(const QString &knob, const QString &oldPrettyName, const QString &newText);
+    bool deleteAttribute(const QString &knob);
+    // The (inner node, attribute) pairs a knob drives.
+    QList<QPair<OssSnBaseNode *, QString>> knobLinks(const QString &knob) const;
+
     bool saveObjects(OssSerializer &serializer) override;
     OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,
                                            const QString &type) override;
+    bool onLoadCollection(const QString &name, const QString &type, const QString &elementType,
+                          int count, const OssStringMap &attributes) override;
+    void onLoadCollectionObject(const QString &name, const QString &type,
+                                const QString &elementType, int index,
+                                const OssStringMap &attributes) override;
+    void onLoadFinished() override;
 
 signals:
     void openNodeGraph();
@@ -38,8 +58,10 @@ private:
     void onInnerNodeAdded(OssSnBaseNode *node);
     void onInnerNodeRemoved(OssSnBaseNode *node);
     void onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldName);
+    void onOwnAttributeChanged(const QString &name, const QVariant &value);
 
     OssShaderNetwork *m_groupNetwork = nullptr;
+    QList<OssStringMap> m_loadingLinks;
 };
 
 // A group whose inputs and outputs follow a multi-channel shader model.
@@ -105,8 +127,11 @@ public:
     using OssSnGroupNode::OssSnGroupNode;
     bool previewShaderNetworkConnected() const { return m_previewConnected; }
     void connectPreviewShaderNetwork();
-    // Reads a material archive (*.oma: a saved group network) into this node.
+    // Reads a material archive (*.oma: a saved group network) into this node, replacing its
+    // network (one undo step); false with the reasons in Errors and nothing changed.
     bool importFromFile(const QString &path, QStringList *errors = nullptr);
+    // Writes the material's network as a material archive.
+    bool exportToFile(const QString &path, QString *error = nullptr);
     // Writes a thumbnail picture describing the material; false when it cannot be written.
     bool generateMaterialThumbnail(const QString &path);
 
