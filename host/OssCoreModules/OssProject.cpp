@@ -19,9 +19,14 @@ OssEntity::OssEntity(const QString &name, QObject *parent)
 {}
 
 OssShadingGroup::OssShadingGroup(const QString &name, QObject *parent)
-    : OssSerializableObject(parent), m_name(name), m_entity(new OssEntity(QString(), this)),
-      m_network(new OssShaderNetwork(name, this))
+    : OssSerializableObject(parent), m_name(name), m_network(new OssShaderNetwork(name, this))
 {}
+
+OssEntity *OssShadingGroup::entity() const
+{
+    const auto *project = qobject_cast<const OssProject *>(parent());
+    return project ? project->entity(m_entityName) : nullptr;
+}
 
 OssChannel *OssShadingGroup::channel(const QString &name) const
 {
@@ -42,8 +47,6 @@ OssChannel *OssShadingGroup::addChannel(const QString &name)
 
 bool OssShadingGroup::saveObjects(OssSerializer &serializer)
 {
-    if (!serializer.saveObject(m_entity, QStringLiteral("entity")))
-        return false;
     for (OssChannel *channel : qAsConst(m_channels))
         if (!serializer.saveObject(channel, QStringLiteral("channel")))
             return false;
@@ -53,8 +56,6 @@ bool OssShadingGroup::saveObjects(OssSerializer &serializer)
 OssSerializableObject *OssShadingGroup::onLoadSubObject(OssDeserializer &, const QString &name,
                                                         const QString &)
 {
-    if (name == QLatin1String("entity"))
-        return m_entity;
     if (name == QLatin1String("network"))
         return m_network;
     if (name == QLatin1String("channel")) {
@@ -70,9 +71,27 @@ OssProject::OssProject(QObject *parent) : OssSerializableObject(parent) {}
 OssShadingGroup *OssProject::addShadingGroup(const QString &name, const QString &entityName)
 {
     auto *group = new OssShadingGroup(name, this);
-    group->entity()->setName(entityName);
+    group->setEntityName(entityName);
+    addEntity(entityName);
     m_shadingGroups.append(group);
     return group;
+}
+
+OssEntity *OssProject::entity(const QString &name) const
+{
+    for (OssEntity *candidate : m_entities)
+        if (candidate->name() == name)
+            return candidate;
+    return nullptr;
+}
+
+OssEntity *OssProject::addEntity(const QString &name)
+{
+    if (OssEntity *existing = entity(name))
+        return existing;
+    auto *created = new OssEntity(name, this);
+    m_entities.append(created);
+    return created;
 }
 
 QList<OssShaderNetwork *> OssProject::networks() const
@@ -93,6 +112,9 @@ QStringList OssProject::loadWarnings() const
 
 bool OssProject::saveObjects(OssSerializer &serializer)
 {
+    for (OssEntity *entity : qAsConst(m_entities))
+        if (!serializer.saveObject(entity, QStringLiteral("entity")))
+            return false;
     for (OssShadingGroup *group : qAsConst(m_shadingGroups))
         if (!serializer.saveObject(group, QStringLiteral("shadingGroup")))
             return false;
@@ -102,6 +124,11 @@ bool OssProject::saveObjects(OssSerializer &serializer)
 OssSerializableObject *OssProject::onLoadSubObject(OssDeserializer &, const QString &name,
                                                    const QString &)
 {
+    if (name == QLatin1String("entity")) {
+        auto *created = new OssEntity(QString(), this);
+        m_entities.append(created);
+        return created;
+    }
     if (name != QLatin1String("shadingGroup"))
         return nullptr;
     auto *group = new OssShadingGroup(QString(), this);

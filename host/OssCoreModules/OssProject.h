@@ -63,16 +63,20 @@ private:
     QString m_name;
 };
 
-// A shading group: the geometry it shades, its shader network and its paint channels.
+// A shading group: the geometry it shades (an entity of its project, by name), its shader
+// network and its paint channels.
 class OSSCOREMODULES_EXPORT OssShadingGroup : public OssSerializableObject
 {
     Q_OBJECT
     Q_PROPERTY(QString name READ name WRITE setName)
+    Q_PROPERTY(QString entityName READ entityName WRITE setEntityName)
 public:
     explicit OssShadingGroup(const QString &name = QString(), QObject *parent = nullptr);
     QString name() const { return m_name; }
     void setName(const QString &name) { m_name = name; }
-    OssEntity *entity() const { return m_entity; }
+    QString entityName() const { return m_entityName; }
+    void setEntityName(const QString &name) { m_entityName = name; }
+    OssEntity *entity() const;
     OssShaderNetwork *network() const { return m_network; }
     QList<OssChannel *> channels() const { return m_channels; }
     OssChannel *channel(const QString &name) const;
@@ -84,7 +88,7 @@ public:
 
 private:
     QString m_name;
-    OssEntity *m_entity = nullptr;
+    QString m_entityName;
     OssShaderNetwork *m_network = nullptr;
     QList<OssChannel *> m_channels;
 };
@@ -101,6 +105,10 @@ public:
     QString filePath() const { return m_filePath; }
     void setFilePath(const QString &path) { m_filePath = path; }
 
+    QList<OssEntity *> entities() const { return m_entities; }
+    OssEntity *entity(const QString &name) const;
+    // The entity of that name, made when missing.
+    OssEntity *addEntity(const QString &name);
     QList<OssShadingGroup *> shadingGroups() const { return m_shadingGroups; }
     OssShadingGroup *addShadingGroup(const QString &name, const QString &entityName);
     QList<OssShaderNetwork *> networks() const;
@@ -113,5 +121,6 @@ public:
 private:
     QString m_name;
     QString m_filePath;
+    QList<OssEntity *> m_entities;
     QList<OssShadingGroup *> m_shadingGroups;
 };

@@ -317,17 +317,30 @@ void OssSnGeoChannelNode::setImageSetValid(bool valid)
     emit imageSetValidChanged(valid);
 }
 
-void OssSnTeleportNode::setChannelName(const QString &name)
+OssSnTeleportNode::OssSnTeleportNode(QObject *parent) : OssSnBaseNode(parent)
 {
-    if (name == m_channelName)
-        return;
-    m_channelName = name;
-    emit channelNameChanged(name);
-    // Every teleport of the network may change state: a broadcast or receiver came or went.
-    if (OssShaderNetwork *owner = network())
-        for (OssSnBaseNode *node : owner->rootNetwork()->getAllNodes())
-            if (auto *teleport = qobject_cast<OssSnTeleportNode *>(node))
-                emit teleport->updateState();
+    connect(this, &OssSnBaseNode::nodeAttributeChanged, this,
+            [this](const QString &name, const QVariant &value) {
+                if (name != QLatin1String("ChannelName"))
+                    return;
+                emit channelNameChanged(value.toString());
+                // Every teleport of the network may change state: a broadcast or receiver of a
+                // channel came or went.
+                if (OssShaderNetwork *owner = network())
+                    for (OssSnBaseNode *node : owner->rootNetwork()->getAllNodes())
+                        if (auto *teleport = qobject_cast<OssSnTeleportNode *>(node))
+                            emit teleport->updateState();
+            });
+}
+
+QString OssSnTeleportNode::channelName() const
+{
+    return nodeAttributeValue(QStringLiteral("ChannelName")).toString();
+}
+
+void OssSnTeleportNode::setChannelName(const QString &name, bool undoable)
+{
+    setNodeAttribute(QStringLiteral("ChannelName"), name, undoable);
 }
 
 OssTeleportNodeManager *OssSnTeleportNode::teleportNodeManager() const

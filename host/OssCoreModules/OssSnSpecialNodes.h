@@ -159,23 +159,21 @@ private:
 
 class OssTeleportNodeManager;
 
-// Common part of teleport broadcast and receiver nodes: a channel name.
+// Common part of teleport broadcast and receiver nodes: a channel name, kept in the node
+// attribute "ChannelName".
 class OSSCOREMODULES_EXPORT OssSnTeleportNode : public OssSnBaseNode
 {
     Q_OBJECT
-    Q_PROPERTY(QString channelName READ channelName WRITE setChannelName)
 public:
-    using OssSnBaseNode::OssSnBaseNode;
-    QString channelName() const { return m_channelName; }
-    void setChannelName(const QString &name);
+    explicit OssSnTeleportNode(QObject *parent = nullptr);
+    QString channelName() const;
+    // One undo step when Undoable.
+    void setChannelName(const QString &name, bool undoable = true);
     OssTeleportNodeManager *teleportNodeManager() const;
 
 signals:
     void channelNameChanged(QString name);
     void updateState();
-
-private:
-    QString m_channelName;
 };
 
 class OSSCOREMODULES_EXPORT OssSnBroadcastTeleportNode : public OssSnTeleportNode

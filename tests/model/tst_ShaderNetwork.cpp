@@ -512,12 +512,20 @@ private slots:
         OssProject *project = OssProjectManager::instance()->currentProject();
         m_network = project->networks().first();
         QCOMPARE(m_network->geoEntity()->name(), QStringLiteral("Helmet"));
-        QVERIFY(m_network->getAllNodes().size() >= 20);
+        QCOMPARE(project->entities().size(), 1);
+        QCOMPARE(project->shadingGroups().size(), 2);
+        QCOMPARE(project->networks().at(1)->geoEntity(), m_network->geoEntity());
+        const int total =
+            m_network->getAllNodes().size() + project->networks().at(1)->getAllNodes().size();
+        QVERIFY2(total >= 40 && total <= 80, qPrintable(QString::number(total)));
         auto *paint = qobject_cast<OssSnChannelInputNode *>(m_network->node("Paint_Diffuse"));
         QVERIFY(paint && paint->imageSet());
         QCOMPARE(paint->imageSet()->name(), QStringLiteral("Diffuse Color"));
-        QCOMPARE(m_network->node("Surface")->inputConnection("Diffuse Color"),
-                 m_network->node("Paint_Merge"));
+        QCOMPARE(m_network->node("Shell_Surface")->inputConnection("Diffuse Color"),
+                 m_network->node("Grade"));
+        auto *receiver = qobject_cast<OssSnTeleportNode *>(m_network->node("Wear_Receiver"));
+        QVERIFY(receiver && receiver->teleportNodeManager()->broadcastNodeForChannel(
+                                receiver->channelName()) == m_network->node("Wear_Broadcast"));
         QVERIFY(m_network->viewerNode());
     }
 
