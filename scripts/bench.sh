@@ -6,5 +6,6 @@ top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="$top/build-release"
 OSSA_BUILD_DIR="$build" OSSA_BUILD_TYPE=Release "$top/scripts/setup.sh" -DOSS_BUILD_BENCHMARKS=ON
 cmake -S "$top" -B "$build" -DOSS_BUILD_BENCHMARKS=ON > /dev/null
-cmake --build "$build" --target ossa-bench
+cmake --build "$build" --target ossa-bench ossa-bench-model
+QT_QPA_PLATFORM=offscreen "$build/bin/ossa-bench-model"
 QT_QPA_PLATFORM=offscreen "$build/bin/ossa-bench" "$@"

@@ -167,6 +167,16 @@ void OssShaderNetwork::setAllowViewUpdate(bool allow)
     emit allowViewUpdateChanged(allow);
 }
 
+namespace {
+
+const QRegularExpression &trailingDigits()
+{
+    static const QRegularExpression pattern(QStringLiteral("\\d+$"));
+    return pattern;
+}
+
+} // namespace
+
 QString OssShaderNetwork::generateUniqueNodeName(const QString &base) const
 {
     QString stem = base.trimmed();
@@ -174,15 +184,33 @@ QString OssShaderNetwork::generateUniqueNodeName(const QString &base) const
         stem = QStringLiteral("Node");
     if (!m_byName.contains(stem))
         return stem;
-    static const QRegularExpression trailingDigits(QStringLiteral("\\d+$"));
-    stem.remove(trailingDigits);
+    stem.remove(trailingDigits());
     if (stem.isEmpty())
         stem = QStringLiteral("Node");
-    for (int i = 1;; ++i) {
+    // Every suffix below the hint is taken, so the search starts there: creating many nodes
+    // of one type stays linear.
+    int &hint = m_suffixHints[stem];
+    for (int i = qMax(1, hint);; ++i) {
         const QString candidate = stem + QString::number(i);
-        if (!m_byName.contains(candidate))
+        if (!m_byName.contains(candidate)) {
+            hint = i;
             return candidate;
+        }
     }
+}
+
+void OssShaderNetwork::releaseName(const QString &name)
+{
+    // A freed numbered name lowers its stem's hint so the gap is reused.
+    const QRegularExpressionMatch match = trailingDigits().match(name);
+    if (!match.hasMatch())
+        return;
+    const QString stem = name.left(match.capturedStart());
+    auto hint = m_suffixHints.find(stem);
+    bool ok = false;
+    const int number = match.captured().toInt(&ok);
+    if (hint != m_suffixHints.end() && ok && number < hint.value())
+        hint.value() = number;
 }
 
 QList<OssSnBaseNode *> OssShaderNetwork::createNodes(const QString &pathKey, int count,
@@ -344,6 +372,7 @@ int OssShaderNetwork::takeNodeDirect(OssSnBaseNode *node)
         return -1;
     m_nodes.removeAt(index);
     m_byName.remove(node->name());
+    releaseName(node->name());
     disconnect(node, &OssSerializableObject::selectedChanged, this,
                &OssShaderNetwork::onNodeSelectedChanged);
     node->setParent(nullptr);
@@ -355,8 +384,10 @@ int OssShaderNetwork::takeNodeDirect(OssSnBaseNode *node)
 
 void OssShaderNetwork::nodeRenamed(OssSnBaseNode *node, const QString &oldName)
 {
-    if (m_byName.value(oldName) == node)
+    if (m_byName.value(oldName) == node) {
         m_byName.remove(oldName);
+        releaseName(oldName);
+    }
     m_byName.insert(node->name(), node);
 }
 

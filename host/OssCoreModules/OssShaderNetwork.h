@@ -123,10 +123,12 @@ private:
         QString target, input, source, output;
     };
     void onNodeSelectedChanged();
+    void releaseName(const QString &name);
 
     QString m_name;
     QList<OssSnBaseNode *> m_nodes;
     QHash<QString, OssSnBaseNode *> m_byName;
+    mutable QHash<QString, int> m_suffixHints;
     bool m_allowViewUpdate = true;
     bool m_announceNodes = true;
     QList<OssSnBaseNode *> m_saveSubset;

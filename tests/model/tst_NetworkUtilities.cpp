@@ -11,6 +11,8 @@
 #include <OssSnSpecialNodes.h>
 #include <OssUndoManager.h>
 
+#include <QApplication>
+#include <QClipboard>
 #include <QtTest>
 
 namespace {
@@ -156,6 +158,26 @@ private slots:
         OssSnBaseNode *merge = group->groupNetwork()->node(QStringLiteral("Merge"));
         QCOMPARE(merge->inputConnection("Over"), group->groupNetwork()->node("Checker"));
         QVERIFY(!merge->inputConnection("Base"));
+    }
+
+    void foreignClipboardTextPastesNothing()
+    {
+        QApplication::clipboard()->setText(QStringLiteral("just some words"));
+        const QString before = m_network->dump();
+        QString error;
+        QVERIFY(OssShaderNetworkIO::pasteNodesFromClipboard(m_network, true, {}, &error).isEmpty());
+        QVERIFY(!error.isEmpty());
+        QCOMPARE(m_network->dump(), before);
+        QCOMPARE(OssUndoManager::instance()->count(), 0);
+    }
+
+    void connectionsAcrossNetworksAreRefused()
+    {
+        auto *group = qobject_cast<OssSnGroupNode *>(m_network->createNode("Misc/Group"));
+        OssSnBaseNode *inner = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+        QString error;
+        QVERIFY(!inner->connectInput("Input", node("Perlin"), "Output", true, &error));
+        QCOMPARE(error, QStringLiteral("nodes 'Perlin' and 'Blur' are not in the same network"));
     }
 
     void nodeFiles()
