@@ -130,7 +130,8 @@ bool OssDeserializer::loadFromFile(const QString &path, OssSerializableObject *r
 }
 
 bool OssDeserializer::loadFromData(const QByteArray &data, OssSerializableObject *root,
-                                   QString *error, const QString &source)
+                                   QString *error, const QString &source,
+                                   const QString &expectedType)
 {
     m_source = source;
     m_warnings.clear();
@@ -143,8 +144,16 @@ bool OssDeserializer::loadFromData(const QByteArray &data, OssSerializableObject
     if (!document)
         return false;
     for (const auto &child : document->children) {
-        if (child->name == QLatin1String("object"))
-            apply(*child, root);
+        if (child->name != QLatin1String("object"))
+            continue;
+        const QString type = child->attributes.value(QStringLiteral("type"));
+        if (!expectedType.isEmpty() && type != expectedType) {
+            if (error)
+                *error = QStringLiteral("\"%1\": the document holds a %2, not a %3")
+                             .arg(source, type, expectedType);
+            return false;
+        }
+        apply(*child, root);
     }
     return true;
 }

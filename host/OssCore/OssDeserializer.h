@@ -25,8 +25,11 @@ public:
 
     bool loadFromFile(const QString &path, OssSerializableObject *root, QString *error);
     // Source names the data in messages (a file name, "clipboard", ...).
+    // With ExpectedType, a document whose top-level object is of another class is refused
+    // before anything is loaded.
     bool loadFromData(const QByteArray &data, OssSerializableObject *root, QString *error,
-                      const QString &source = QStringLiteral("data"));
+                      const QString &source = QStringLiteral("data"),
+                      const QString &expectedType = QString());
 
     // Checks a document without loading it; fills Type with the top-level object's class name.
     bool inspect(const QByteArray &data, QString *type, QString *error,

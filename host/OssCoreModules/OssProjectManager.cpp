@@ -34,7 +34,6 @@ OssProject *OssProjectManager::newProject(const QString &entityName)
 bool OssProjectManager::openProject(const QString &path, QString *error)
 {
     OssDeserializer deserializer;
-    QString type;
     QFile file(path);
     QByteArray data;
     if (!file.open(QIODevice::ReadOnly)) {
@@ -43,17 +42,11 @@ bool OssProjectManager::openProject(const QString &path, QString *error)
         return false;
     }
     data = file.readAll();
-    // Check the file before anything is built from it, so a bad file changes nothing.
-    if (!deserializer.inspect(data, &type, error, path))
-        return false;
-    if (type != QLatin1String("OssProject")) {
-        if (error)
-            *error = QStringLiteral("\"%1\": not a project file (it holds a %2)").arg(path, type);
-        return false;
-    }
+    // The whole document is parsed and checked before anything is built from it, so a bad
+    // file leaves the open project as it was.
     auto *project = new OssProject;
     deserializer.setRestoreUuids(true);
-    if (!deserializer.loadFromData(data, project, error, path)) {
+    if (!deserializer.loadFromData(data, project, error, path, QStringLiteral("OssProject"))) {
         delete project;
         return false;
     }

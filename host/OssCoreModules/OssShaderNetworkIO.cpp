@@ -39,21 +39,13 @@ QList<OssSnBaseNode *> OssShaderNetworkIO::nodesFromData(OssShaderNetwork *netwo
             *error = QStringLiteral("no network to insert into");
         return {};
     }
-    OssDeserializer deserializer;
-    QString type;
-    if (!deserializer.inspect(data, &type, error, source))
-        return {};
-    if (type != QLatin1String("OssShaderNetwork")) {
-        if (error)
-            *error =
-                QStringLiteral("\"%1\": not a node document (it holds a %2)").arg(source, type);
-        return {};
-    }
     // Read into a scratch network the host does not announce, then move the nodes over.
+    OssDeserializer deserializer;
     OssShaderNetwork scratch;
     scratch.setAnnounceNodes(false);
     deserializer.setRestoreUuids(false);
-    if (!deserializer.loadFromData(data, &scratch, error, source))
+    if (!deserializer.loadFromData(data, &scratch, error, source,
+                                   QStringLiteral("OssShaderNetwork")))
         return {};
     const QList<OssSnBaseNode *> nodes = scratch.nodes();
     OssUndoManager::AutoMacro macro(QStringLiteral("Insert Nodes"));

@@ -422,7 +422,7 @@ private slots:
         QTest::newRow("not a project")
             << QByteArray("<OssaDocument formatVersion=\"1\"><object name=\"x\" "
                           "type=\"OssShaderNetwork\"/></OssaDocument>")
-            << "not a project file";
+            << "the document holds a OssShaderNetwork, not a OssProject";
     }
 
     void badProjectFilesLeaveTheOpenProject()
