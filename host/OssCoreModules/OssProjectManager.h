@@ -1,12 +1,10 @@
 #pragma once
 
 #include "OssCoreModulesExport.h"
+#include "OssProject.h"
 
 #include <QObject>
 #include <QPointer>
-
-class OssChannel;
-class OssProject;
 
 // Opens, saves and closes the project. Opening reads the whole file into a new project first,
 // so a bad file leaves the open project as it was.

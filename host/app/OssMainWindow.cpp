@@ -1,0 +1,281 @@
+#include "OssMainWindow.h"
+
+#include "OssPluginHost.h"
+#include "OssPreferencesDialog.h"
+
+#include <OssActionTreeManager.h>
+#include <OssApplication.h>
+#include <OssDebug.h>
+#include <OssGroupParameterObject.h>
+#include <OssHostDialogs.h>
+#include <OssPalette.h>
+#include <OssProject.h>
+#include <OssProjectManager.h>
+#include <OssResourceInfo.h>
+#include <OssUndoManager.h>
+
+#include <QAction>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTimer>
+#include <QUndoStack>
+
+OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
+    : QMainWindow(parent), m_plugins(plugins)
+{
+    setObjectName(QStringLiteral("OssMainWindow"));
+    resize(1600, 1000);
+    setDockNestingEnabled(true);
+    OssApplication::setMainWindow(this);
+
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    file->addAction(tr("&New Project"), this, &OssMainWindow::newProject, QKeySequence::New);
+    file->addAction(tr("&Open Project..."), this, &OssMainWindow::openProjectDialog,
+                    QKeySequence::Open);
+    file->addAction(tr("&Save Project"), this, &OssMainWindow::saveProject, QKeySequence::Save);
+    file->addAction(tr("Save Project &As..."), this, &OssMainWindow::saveProjectAsDialog,
+                    QKeySequence::SaveAs);
+    file->addSeparator();
+    file->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence::Quit);
+
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    QUndoStack *stack = OssUndoManager::instance()->undoStack();
+    QAction *undo = stack->createUndoAction(this, tr("&Undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction *redo = stack->createRedoAction(this, tr("&Redo"));
+    redo->setShortcut(QKeySequence::Redo);
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
+    edit->addAction(tr("&Preferences..."), this, &OssMainWindow::showPreferences);
+
+    m_windowMenu = menuBar()->addMenu(tr("&Window"));
+    m_helpMenu = menuBar()->addMenu(tr("&Help"));
+    m_helpMenu->addAction(tr("&About Ossa"), this, &OssMainWindow::showAbout);
+
+    m_menuTimer = new QTimer(this);
+    m_menuTimer->setSingleShot(true);
+    m_menuTimer->setInterval(0);
+    connect(m_menuTimer, &QTimer::timeout, this, &OssMainWindow::rebuildActionMenus);
+    connect(OssActionTreeManager::instance(), &OssActionTreeManager::actionRegistered, this,
+            &OssMainWindow::scheduleMenuRebuild);
+
+    OssPaletteManager *palettes = OssPaletteManager::instance();
+    for (OssPalette *palette : palettes->palettes())
+        addPalette(palette);
+    connect(palettes, &OssPaletteManager::paletteRegistered, this, &OssMainWindow::addPalette);
+
+    connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
+            &OssMainWindow::updateTitle);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
+            &OssMainWindow::updateTitle);
+    rebuildActionMenus();
+    updateTitle();
+}
+
+OssMainWindow::~OssMainWindow()
+{
+    if (OssApplication::mainWindow() == this)
+        OssApplication::setMainWindow(nullptr);
+    // Palettes belong to their plug-ins; give them back before the docks go.
+    for (auto it = m_docks.begin(); it != m_docks.end(); ++it)
+        if (it.value() && it.value()->widget()) {
+            QWidget *palette = it.value()->widget();
+            it.value()->setWidget(nullptr);
+            palette->setParent(nullptr);
+            palette->hide();
+        }
+}
+
+QStringList OssMainWindow::menuPathForFolder(const QString &folder)
+{
+    QStringList parts = folder.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    if (!parts.isEmpty() && parts.first() == QLatin1String("Ossa"))
+        parts.removeFirst();
+    if (!parts.isEmpty()) {
+        // Folder names are camel case ("NodeGraph"); menus show words.
+        const OssGroupParameterObject words;
+        parts.first() = words.prettyPropertyName(parts.first());
+    }
+    return parts;
+}
+
+QMenu *OssMainWindow::topMenu(const QString &title) const
+{
+    for (QMenu *menu : m_actionMenus)
+        if (menu->title() == title)
+            return menu;
+    return nullptr;
+}
+
+void OssMainWindow::scheduleMenuRebuild()
+{
+    m_menuTimer->start();
+}
+
+void OssMainWindow::rebuildActionMenus()
+{
+    for (QMenu *menu : qAsConst(m_actionMenus)) {
+        menuBar()->removeAction(menu->menuAction());
+        menu->deleteLater();
+    }
+    m_actionMenus.clear();
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    QHash<QString, QMenu *> menus; // by joined menu path
+    for (const QString &folder : tree->folders()) {
+        const QStringList path = menuPathForFolder(folder);
+        if (path.isEmpty())
+            continue;
+        QMenu *parent = nullptr;
+        QString key;
+        for (const QString &part : path) {
+            key += QLatin1Char('/') + part;
+            QMenu *menu = menus.value(key);
+            if (!menu) {
+                if (parent) {
+                    menu = parent->addMenu(part);
+                } else {
+                    menu = new QMenu(part, this);
+                    menuBar()->insertMenu(m_windowMenu->menuAction(), menu);
+                    m_actionMenus.append(menu);
+                }
+                menus.insert(key, menu);
+            }
+            parent = menu;
+        }
+        for (QAction *action : tree->actions(folder))
+            parent->addAction(action);
+    }
+}
+
+void OssMainWindow::addPalette(OssPalette *palette)
+{
+    if (!palette || m_docks.contains(palette))
+        return;
+    const QString title =
+        palette->windowTitle().isEmpty() ? palette->objectName() : palette->windowTitle();
+    auto *dock = new QDockWidget(title, this);
+    dock->setObjectName(palette->objectName() + QStringLiteral("Dock"));
+    dock->setWidget(palette);
+    palette->show();
+    // The node graph takes the large left area; panels go to the right.
+    const bool main = m_docks.isEmpty();
+    addDockWidget(main ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, dock);
+    if (!main)
+        resizeDocks({dock}, {420}, Qt::Horizontal);
+    m_docks.insert(palette, dock);
+    m_windowMenu->addAction(dock->toggleViewAction());
+    connect(palette, &OssPalette::showRequested, dock, [dock] {
+        dock->show();
+        dock->raise();
+    });
+    connect(palette, &QObject::destroyed, this, [this, palette, dock] {
+        m_docks.remove(palette);
+        if (dock)
+            dock->deleteLater();
+    });
+}
+
+QDockWidget *OssMainWindow::dockFor(const OssPalette *palette) const
+{
+    return m_docks.value(palette).data();
+}
+
+void OssMainWindow::updateTitle()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    setWindowTitle(project ? QStringLiteral("Ossa - %1").arg(project->name())
+                           : QStringLiteral("Ossa"));
+}
+
+void OssMainWindow::reportError(const QString &title, const QString &message)
+{
+    OSS_DEBUG("[ !! ] %s: %s", qPrintable(title), qPrintable(message));
+    OssMessageBox::warning(this, title, message);
+}
+
+void OssMainWindow::newProject()
+{
+    OssProjectManager::instance()->newProject();
+}
+
+bool OssMainWindow::openProject(const QString &path)
+{
+    QString error;
+    if (!OssProjectManager::instance()->openProject(path, &error)) {
+        reportError(tr("Open Project"), error);
+        return false;
+    }
+    return true;
+}
+
+void OssMainWindow::openProjectDialog()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("Open Project"),
+                                                      OssResourceInfo::instance()->projectPath(),
+                                                      tr("Ossa projects (*.ossa)"));
+    if (!path.isEmpty())
+        openProject(path);
+}
+
+bool OssMainWindow::saveProject()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project)
+        return false;
+    if (project->filePath().isEmpty()) {
+        saveProjectAsDialog();
+        return !OssProjectManager::instance()->currentProject()->filePath().isEmpty();
+    }
+    return saveProjectAs(project->filePath());
+}
+
+bool OssMainWindow::saveProjectAs(const QString &path)
+{
+    QString error;
+    if (!OssProjectManager::instance()->saveProject(path, &error)) {
+        reportError(tr("Save Project"), error);
+        return false;
+    }
+    return true;
+}
+
+void OssMainWindow::saveProjectAsDialog()
+{
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save Project As"),
+                                                      OssResourceInfo::instance()->projectPath(),
+                                                      tr("Ossa projects (*.ossa)"));
+    if (!path.isEmpty())
+        saveProjectAs(path);
+}
+
+void OssMainWindow::showPreferences()
+{
+    OssPreferencesDialog dialog(this);
+    dialog.resize(700, 500);
+    dialog.exec();
+}
+
+QString OssMainWindow::aboutText() const
+{
+    QStringList lines{tr("Ossa node graph host shell.")};
+    if (!m_plugins || m_plugins->plugins().isEmpty()) {
+        lines << tr("No plug-ins are loaded.");
+    } else {
+        lines << tr("Loaded plug-ins:");
+        for (const OssPluginHost::LoadedPlugin &plugin : m_plugins->plugins())
+            lines << QStringLiteral("%1 (version %2): %3")
+                         .arg(plugin.name)
+                         .arg(plugin.version)
+                         .arg(plugin.description);
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+void OssMainWindow::showAbout()
+{
+    OssMessageBox::information(this, tr("About Ossa"), aboutText());
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <QPointer>
+
+class OssPalette;
+class OssPluginHost;
+class QDockWidget;
+class QMenu;
+class QTimer;
+
+// The shell's main window: palettes as docks, File/Edit/Window/Help menus, one menu per
+// top-level action-tree folder, and the project commands.
+class OssMainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit OssMainWindow(OssPluginHost *plugins = nullptr, QWidget *parent = nullptr);
+    ~OssMainWindow() override;
+
+    // The menu title and submenu path an action-tree folder is shown under:
+    // "/Ossa/NodeGraph/Create/Filter" gives ("Node Graph", "Create", "Filter"). Empty parts and
+    // a leading "Ossa" are dropped; the first remaining part is split at its capitals.
+    static QStringList menuPathForFolder(const QString &folder);
+
+    QDockWidget *dockFor(const OssPalette *palette) const;
+    QMenu *windowMenu() const { return m_windowMenu; }
+    // The menu for a top-level title, or null.
+    QMenu *topMenu(const QString &title) const;
+    // The text of the About box.
+    QString aboutText() const;
+
+public slots:
+    void newProject();
+    bool openProject(const QString &path);
+    void openProjectDialog();
+    bool saveProject();
+    bool saveProjectAs(const QString &path);
+    void saveProjectAsDialog();
+    void showPreferences();
+    void showAbout();
+    // Rebuilds the action-tree menus (deferred: actions arrive in bursts).
+    void scheduleMenuRebuild();
+    void rebuildActionMenus();
+
+private:
+    void addPalette(OssPalette *palette);
+    void updateTitle();
+    void reportError(const QString &title, const QString &message);
+
+    OssPluginHost *m_plugins = nullptr;
+    QMenu *m_windowMenu = nullptr;
+    QMenu *m_helpMenu = nullptr;
+    QList<QMenu *> m_actionMenus;
+    QHash<const OssPalette *, QPointer<QDockWidget>> m_docks;
+    QTimer *m_menuTimer = nullptr;
+};

@@ -1,0 +1,143 @@
+#include "OssShell.h"
+
+#include "OssMainWindow.h"
+#include "OssPluginHost.h"
+
+#include <OssApplication.h>
+#include <OssDebug.h>
+#include <OssProjectManager.h>
+#include <OssSettings.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+// Without a display and without an explicit platform, the shell runs offscreen.
+bool chooseOffscreenPlatform(int argc, char **argv)
+{
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "-platform") == 0 || std::strcmp(argv[i], "--platform") == 0)
+            return false;
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return qEnvironmentVariable("QT_QPA_PLATFORM") == QLatin1String("offscreen");
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return true;
+    }
+    return false;
+}
+
+// A picture with more than one colour: something was drawn.
+bool isBlank(const QImage &image)
+{
+    if (image.isNull())
+        return true;
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 4)
+        for (int x = 0; x < image.width(); x += 4)
+            if (image.pixel(x, y) != first)
+                return false;
+    return true;
+}
+
+} // namespace
+
+int ossRunShell(int argc, char **argv)
+{
+    const bool headless = chooseOffscreenPlatform(argc, argv);
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Ossa"));
+    QApplication::setOrganizationName(QStringLiteral("Ossa"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Ossa host shell: the node-graph editor of shader networks."));
+    parser.addHelpOption();
+    parser.addPositionalArgument(QStringLiteral("project"),
+                                 QStringLiteral("Project file (*.ossa) to open."),
+                                 QStringLiteral("[project]"));
+    const QCommandLineOption screenshot(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Write a PNG picture of the main window and quit."), QStringLiteral("png"));
+    const QCommandLineOption settingsDir(QStringLiteral("settings-dir"),
+                                         QStringLiteral("Keep settings in this folder."),
+                                         QStringLiteral("dir"));
+    const QCommandLineOption pluginDir(QStringLiteral("plugin-dir"),
+                                       QStringLiteral("Load plug-ins from this folder."),
+                                       QStringLiteral("dir"));
+    const QCommandLineOption quit(
+        QStringLiteral("quit"), QStringLiteral("Start, load plug-ins and the project, then quit."));
+    parser.addOptions({screenshot, settingsDir, pluginDir, quit});
+    parser.process(app);
+
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    // Headless runs keep their settings away from the user's unless told where to keep them.
+    std::unique_ptr<QTemporaryDir> scratchSettings;
+    if (parser.isSet(settingsDir)) {
+        OssSettings::setStorageDirectory(parser.value(settingsDir));
+    } else if (headless && qEnvironmentVariableIsEmpty("OSSA_SETTINGS_DIR")) {
+        scratchSettings = std::make_unique<QTemporaryDir>();
+        OssSettings::setStorageDirectory(scratchSettings->path());
+    }
+    const bool batch = parser.isSet(screenshot) || parser.isSet(quit);
+    OssApplication::setPopupsAllowed(!headless && !batch);
+
+    OssPluginHost plugins;
+    plugins.loadAll(OssPluginHost::pluginDirectory(parser.value(pluginDir)));
+
+    OssMainWindow window(&plugins);
+    const QStringList positional = parser.positionalArguments();
+    bool projectOk = true;
+    if (!positional.isEmpty()) {
+        QString error;
+        projectOk = OssProjectManager::instance()->openProject(positional.first(), &error);
+        if (!projectOk) {
+            err << "Cannot open the project: " << error << '\n';
+            err.flush();
+            OssProjectManager::instance()->newProject();
+        }
+    } else {
+        OssProjectManager::instance()->newProject();
+    }
+    window.show();
+
+    int exitCode = 0;
+    if (parser.isSet(screenshot)) {
+        const QString path = QFileInfo(parser.value(screenshot)).absoluteFilePath();
+        // Views bind to their networks with a delay; give them time before the picture.
+        QTimer::singleShot(900, &window, [&] {
+            QApplication::processEvents();
+            const QImage image = window.grab().toImage();
+            QDir().mkpath(QFileInfo(path).absolutePath());
+            if (isBlank(image) || !image.save(path, "PNG")) {
+                err << "Cannot write the screenshot to " << path << '\n';
+                exitCode = 1;
+            } else {
+                out << "Screenshot written to " << path << '\n';
+            }
+            out.flush();
+            err.flush();
+            QApplication::exit(exitCode);
+        });
+    } else if (parser.isSet(quit)) {
+        QTimer::singleShot(0, &window, [] { QApplication::exit(0); });
+    }
+    const int result = app.exec();
+    OssProjectManager::instance()->closeProject();
+    plugins.unloadAll();
+    if (!projectOk && batch)
+        return 1;
+    return result;
+}

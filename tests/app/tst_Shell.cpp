@@ -1,0 +1,354 @@
+#include "OssTestEnvironment.h"
+
+#include <OssMainWindow.h>
+#include <OssPluginHost.h>
+#include <OssPreferencesDialog.h>
+
+#include <OssActionTreeManager.h>
+#include <OssDebug.h>
+#include <OssPalette.h>
+#include <OssPreferenceManager.h>
+#include <OssProjectManager.h>
+#include <OssUndoManager.h>
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProcess>
+#include <QSpinBox>
+#include <QUndoCommand>
+#include <QtTest>
+
+namespace {
+
+// Preferences of every editor kind, read and written through properties and named slots.
+class Settings : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString style READ style WRITE setStyle)
+    Q_PROPERTY(bool snap READ snap WRITE setSnap)
+    Q_PROPERTY(int steps READ steps WRITE setSteps)
+    Q_PROPERTY(double scale READ scale WRITE setScale)
+    Q_PROPERTY(QString label READ label WRITE setLabel)
+    Q_PROPERTY(Mode mode READ mode WRITE setMode)
+public:
+    enum Mode
+    {
+        Quiet,
+        Loud,
+        Silent
+    };
+    Q_ENUM(Mode)
+    QString style() const { return m_style; }
+    void setStyle(const QString &value) { m_style = value; }
+    bool snap() const { return m_snap; }
+    void setSnap(bool value) { m_snap = value; }
+    int steps() const { return m_steps; }
+    void setSteps(int value) { m_steps = value; }
+    double scale() const { return m_scale; }
+    void setScale(double value) { m_scale = value; }
+    QString label() const { return m_label; }
+    void setLabel(const QString &value) { m_label = value; }
+    Mode mode() const { return m_mode; }
+    void setMode(Mode value) { m_mode = value; }
+    int saves = 0;
+
+public slots:
+    QStringList styleList() const { return {"Flat", "Round", "Sharp"}; }
+    QString styleTooltip() const { return QStringLiteral("How nodes look"); }
+    void resetSteps() { m_steps = 3; }
+    void savePreferences() { ++saves; }
+
+private:
+    QString m_style = QStringLiteral("Round");
+    bool m_snap = false;
+    int m_steps = 7;
+    double m_scale = 1.5;
+    QString m_label = QStringLiteral("hello");
+    Mode m_mode = Loud;
+};
+
+class Step : public QUndoCommand
+{
+public:
+    explicit Step(const QString &text) : QUndoCommand(text) {}
+};
+
+QString builtPluginDirectory()
+{
+    return qEnvironmentVariable("OSSA_PLUGIN_DIR");
+}
+
+} // namespace
+
+class tst_Shell : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+    Settings m_settings;
+
+private slots:
+    void initTestCase()
+    {
+        OssPreferenceManager *preferences = OssPreferenceManager::instance();
+        for (const char *key : {"style", "snap", "steps", "scale", "label", "mode"})
+            QVERIFY(preferences->registerPreference(
+                "Test Page",
+                key == QByteArray("style") || key == QByteArray("snap") ? "Look" : "Numbers",
+                &m_settings, key));
+    }
+
+    void menuPaths_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QStringList>("path");
+        QTest::newRow("node graph") << "/Ossa/NodeGraph/" << QStringList{"Node Graph"};
+        QTest::newRow("create folder")
+            << "/Ossa/NodeGraph/Create/Filter" << QStringList{"Node Graph", "Create", "Filter"};
+        QTest::newRow("no leading slash") << "Ossa/NodeGraph" << QStringList{"Node Graph"};
+        QTest::newRow("empty parts") << "/Ossa//Tools//" << QStringList{"Tools"};
+        QTest::newRow("only root") << "/Ossa/" << QStringList{};
+    }
+
+    void menuPaths()
+    {
+        QFETCH(QString, folder);
+        QFETCH(QStringList, path);
+        QCOMPARE(OssMainWindow::menuPathForFolder(folder), path);
+    }
+
+    void pluginsLoadFromTheBuildFolder()
+    {
+        OssDebugCapture capture;
+        OssPluginHost host;
+        QCOMPARE(host.loadAll(builtPluginDirectory()), 1);
+        QCOMPARE(host.plugins().size(), 1);
+        QCOMPARE(host.plugins().first().name, QStringLiteral("Node Graph View Context"));
+        QVERIFY(capture.contains("[ Plugin ] Shader Network - Node Graph View Context"));
+        OssMainWindow window(&host);
+        QVERIFY(window.aboutText().contains(QStringLiteral("Node Graph View Context (version 1)")));
+    }
+
+    void foreignFilesAreSkippedWithTheirReason()
+    {
+        const QString folder = m_environment.scratchDirectory() + QStringLiteral("/plugins");
+        QVERIFY(QDir().mkpath(folder));
+        QFile text(folder + QStringLiteral("/libnotes.so"));
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write("not a library");
+        text.close();
+        QFile readme(folder + QStringLiteral("/README"));
+        QVERIFY(readme.open(QIODevice::WriteOnly));
+        readme.close();
+        // A real Qt plug-in of another interface: one of Qt's own image format plug-ins.
+        const QString qtPlugin = QLibraryInfo::location(QLibraryInfo::PluginsPath) +
+                                 QStringLiteral("/imageformats/libqico.so");
+        const bool haveQtPlugin = QFile::copy(qtPlugin, folder + QStringLiteral("/libqico.so"));
+        OssDebugCapture capture;
+        OssPluginHost host;
+        QCOMPARE(host.loadAll(folder), 0);
+        QStringList problems = host.problems();
+        QVERIFY2(problems.size() == (haveQtPlugin ? 2 : 1), qPrintable(problems.join('\n')));
+        QVERIFY(problems.first().startsWith(QStringLiteral("libnotes.so: no plug-in metadata")));
+        if (haveQtPlugin)
+            QVERIFY2(problems.last().startsWith(
+                         QStringLiteral("libqico.so: interface id 'org.qt-project.Qt."
+                                        "QImageIOHandlerFactoryInterface' is not "
+                                        "'com.halvern.ossa.pluginterface/1.0'")),
+                     qPrintable(problems.last()));
+        QVERIFY(capture.contains(QStringLiteral("[ !! ] Plug-in '%1' skipped: %2")
+                                     .arg("libnotes.so", problems.first().mid(13))));
+        OssPluginHost missing;
+        QCOMPARE(missing.loadAll(folder + QStringLiteral("/nowhere")), 0);
+        QCOMPARE(missing.problems().size(), 1);
+    }
+
+    void initializationOrder()
+    {
+        QList<OssPluginHost::LoadedPlugin> plugins;
+        const QList<QPair<QString, int>> files{
+            {"c.so", 100}, {"a.so", 100}, {"b.so", 5}, {"d.so", 200}};
+        for (const auto &file : files) {
+            OssPluginHost::LoadedPlugin plugin;
+            plugin.fileName = file.first;
+            plugin.priority = file.second;
+            plugins.append(plugin);
+        }
+        OssPluginHost::sortForInitialization(plugins);
+        QStringList order;
+        for (const auto &plugin : plugins)
+            order << plugin.fileName;
+        QCOMPARE(order, (QStringList{"b.so", "a.so", "c.so", "d.so"}));
+    }
+
+    void menusFollowTheActionTree()
+    {
+        OssMainWindow window;
+        auto *action = new QAction(QStringLiteral("Frame All"), &window);
+        OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/ShellTest/View/"),
+                                                         action);
+        QTRY_VERIFY(window.topMenu(QStringLiteral("Shell Test")));
+        QMenu *top = window.topMenu(QStringLiteral("Shell Test"));
+        QMenu *view = nullptr;
+        for (QAction *entry : top->actions())
+            if (entry->menu() && entry->text() == QLatin1String("View"))
+                view = entry->menu();
+        QVERIFY(view);
+        QVERIFY(view->actions().contains(action));
+    }
+
+    void undoActionsFollowTheStack()
+    {
+        OssMainWindow window;
+        QMenu *edit = nullptr;
+        for (QAction *entry : window.menuBar()->actions())
+            if (entry->text() == QLatin1String("&Edit"))
+                edit = entry->menu();
+        QVERIFY(edit);
+        QAction *undo = edit->actions().at(0);
+        QVERIFY(!undo->isEnabled());
+        OssUndoManager::instance()->addUndo(new Step(QStringLiteral("Move Node")));
+        QVERIFY(undo->isEnabled());
+        QCOMPARE(undo->text(), QStringLiteral("&Undo Move Node"));
+        undo->trigger();
+        QVERIFY(!undo->isEnabled());
+        OssUndoManager::instance()->clear();
+    }
+
+    void palettesBecomeDocks()
+    {
+        OssMainWindow window;
+        auto *palette = new OssPalette;
+        palette->setObjectName(QStringLiteral("Shell Test Palette"));
+        palette->setWindowTitle(QStringLiteral("Shell Test Palette"));
+        QVERIFY(OssPaletteManager::instance()->registerPalette(palette));
+        QDockWidget *dock = window.dockFor(palette);
+        QVERIFY(dock);
+        QCOMPARE(dock->windowTitle(), QStringLiteral("Shell Test Palette"));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        dock->toggleViewAction()->trigger();
+        QVERIFY(dock->isHidden());
+        emit palette->showRequested();
+        QVERIFY(dock->isVisible());
+        QVERIFY(window.windowMenu()->actions().contains(dock->toggleViewAction()));
+        delete palette;
+        QTRY_VERIFY(!window.dockFor(palette));
+    }
+
+    void preferencesDialogEditors_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("editorClass");
+        QTest::newRow("list") << "style"
+                              << "QComboBox";
+        QTest::newRow("bool") << "snap"
+                              << "QCheckBox";
+        QTest::newRow("int") << "steps"
+                             << "QSpinBox";
+        QTest::newRow("double") << "scale"
+                                << "QDoubleSpinBox";
+        QTest::newRow("string") << "label"
+                                << "QLineEdit";
+        QTest::newRow("enum") << "mode"
+                              << "QComboBox";
+    }
+
+    void preferencesDialogEditors()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, editorClass);
+        OssPreferencesDialog dialog;
+        QVERIFY(dialog.pageNames().contains(QStringLiteral("Test Page")));
+        QWidget *editor = dialog.editorFor(QStringLiteral("Test Page"), key);
+        QVERIFY(editor);
+        QCOMPARE(QString::fromLatin1(editor->metaObject()->className()), editorClass);
+        if (key == QLatin1String("style"))
+            QCOMPARE(editor->toolTip(), QStringLiteral("How nodes look"));
+        if (key == QLatin1String("mode")) {
+            auto *combo = qobject_cast<QComboBox *>(editor);
+            QCOMPARE(combo->count(), 3);
+            QCOMPARE(combo->currentText(), QStringLiteral("Loud"));
+        }
+    }
+
+    void applyWritesAndCancelLeaves()
+    {
+        const int saves = m_settings.saves;
+        {
+            OssPreferencesDialog dialog;
+            qobject_cast<QComboBox *>(dialog.editorFor("Test Page", "style"))
+                ->setCurrentText("Sharp");
+            qobject_cast<QSpinBox *>(dialog.editorFor("Test Page", "steps"))->setValue(11);
+            dialog.reject();
+        }
+        QCOMPARE(m_settings.style(), QStringLiteral("Round"));
+        QCOMPARE(m_settings.steps(), 7);
+        OssPreferencesDialog dialog;
+        qobject_cast<QComboBox *>(dialog.editorFor("Test Page", "style"))->setCurrentText("Sharp");
+        qobject_cast<QCheckBox *>(dialog.editorFor("Test Page", "snap"))->setChecked(true);
+        qobject_cast<QSpinBox *>(dialog.editorFor("Test Page", "steps"))->setValue(11);
+        qobject_cast<QComboBox *>(dialog.editorFor("Test Page", "mode"))->setCurrentText("Silent");
+        qobject_cast<QLineEdit *>(dialog.editorFor("Test Page", "label"))->setText("bye");
+        dialog.apply();
+        QCOMPARE(m_settings.style(), QStringLiteral("Sharp"));
+        QVERIFY(m_settings.snap());
+        QCOMPARE(m_settings.steps(), 11);
+        QCOMPARE(m_settings.mode(), Settings::Silent);
+        QCOMPARE(m_settings.label(), QStringLiteral("bye"));
+        QVERIFY(m_settings.saves > saves);
+    }
+
+    void shellProcess_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("output");
+        QTest::newRow("sample project")
+            << QStringList{QStringLiteral(OSS_SAMPLE_PROJECT)} << 0 << "Screenshot written to ";
+        QTest::newRow("no project") << QStringList{} << 0 << "Screenshot written to ";
+        QTest::newRow("bad plug-in folder")
+            << QStringList{"--plugin-dir", "/nonexistent"} << 0 << "Screenshot written to ";
+        QTest::newRow("missing project")
+            << QStringList{"/nonexistent/project.ossa"} << 1 << "Screenshot written to ";
+    }
+
+    void shellProcess()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QString, output);
+        const QString picture = m_environment.scratchDirectory() + QStringLiteral("/") +
+                                QTest::currentDataTag() + QStringLiteral(".png");
+        QProcess shell;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("DISPLAY"));
+        environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        shell.setProcessEnvironment(environment);
+        shell.start(QStringLiteral(OSS_SHELL_EXECUTABLE),
+                    arguments + QStringList{"--screenshot", picture, "--settings-dir",
+                                            m_environment.scratchDirectory()});
+        QVERIFY(shell.waitForFinished(60000));
+        const QString standardOutput = QString::fromUtf8(shell.readAllStandardOutput());
+        QCOMPARE(shell.exitCode(), exitCode);
+        QCOMPARE(standardOutput, output + QFileInfo(picture).absoluteFilePath() + "\n");
+        QImage image(picture);
+        QVERIFY(!image.isNull());
+        QSet<QRgb> colours;
+        for (int y = 0; y < image.height(); y += 8)
+            for (int x = 0; x < image.width(); x += 8)
+                colours.insert(image.pixel(x, y));
+        QVERIFY(colours.size() > 1);
+        if (exitCode != 0)
+            QVERIFY(shell.readAllStandardError().contains("Cannot open the project"));
+    }
+};
+
+QTEST_MAIN(tst_Shell)
+#include "tst_Shell.moc"
