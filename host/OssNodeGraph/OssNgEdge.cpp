@@ -1,0 +1,190 @@
+#include "OssNgEdge.h"
+
+#include "OssNgNode.h"
+#include "OssNgStyle.h"
+
+#include <QPainter>
+#include <QPainterPathStroker>
+#include <QStyleOptionGraphicsItem>
+
+OssNgEdge::OssNgEdge(OssNgNode *source, const QString &outputPoint, OssNgNode *target,
+                     const QString &inputName, Kind kind)
+    : m_kind(kind), m_outputPoint(outputPoint), m_inputName(inputName)
+{
+    setZValue(-1);
+    setAcceptHoverEvents(false);
+    setFlag(ItemIsSelectable, false);
+    setSource(source, outputPoint);
+    setTarget(target, inputName);
+}
+
+OssNgEdge::~OssNgEdge()
+{
+    if (m_source)
+        m_source->edgeDetached(this);
+    if (m_target)
+        m_target->edgeDetached(this);
+}
+
+void OssNgEdge::setSource(OssNgNode *source, const QString &outputPoint)
+{
+    if (m_source == source && m_outputPoint == outputPoint)
+        return;
+    if (m_source)
+        m_source->edgeDetached(this);
+    m_source = source;
+    m_outputPoint = outputPoint;
+    if (source)
+        source->edgeAttached(this, false);
+    adjust();
+}
+
+void OssNgEdge::setTarget(OssNgNode *target, const QString &inputName)
+{
+    if (m_target == target && m_inputName == inputName)
+        return;
+    if (m_target)
+        m_target->edgeDetached(this);
+    m_target = target;
+    m_inputName = inputName;
+    if (target)
+        target->edgeAttached(this, true);
+    adjust();
+}
+
+void OssNgEdge::setLooseEnd(const QPointF &scenePos)
+{
+    m_looseEnd = scenePos;
+    adjust();
+}
+
+QPointF OssNgEdge::startPoint() const
+{
+    return m_source ? m_source->outputPortScenePos(m_outputPoint) : m_looseEnd;
+}
+
+QPointF OssNgEdge::endPoint() const
+{
+    return m_target ? m_target->inputPortScenePos(m_inputName) : m_looseEnd;
+}
+
+void OssNgEdge::adjust()
+{
+    prepareGeometryChange();
+    const QPointF start = startPoint();
+    const QPointF end = endPoint();
+    const QPointF outDirection = m_source ? m_source->outputPortDirection() : QPointF(0, 1);
+    const QPointF inDirection = m_target ? m_target->inputPortDirection() : QPointF(0, -1);
+    const qreal reach = qMax<qreal>(40.0, QLineF(start, end).length() * 0.4);
+    QPainterPath path(start);
+    path.cubicTo(start + outDirection * reach, end + inDirection * reach, end);
+    m_path = path;
+    update();
+}
+
+void OssNgEdge::setBypassed(bool bypassed)
+{
+    m_bypassed = bypassed;
+    update();
+}
+
+void OssNgEdge::setShared(bool shared)
+{
+    m_shared = shared;
+    update();
+}
+
+void OssNgEdge::setActivated(bool activated)
+{
+    m_activated = activated;
+    update();
+}
+
+void OssNgEdge::setDebug(bool debug)
+{
+    m_debug = debug;
+    update();
+}
+
+void OssNgEdge::setDebugColor(const QColor &color)
+{
+    m_debugColor = color;
+    update();
+}
+
+void OssNgEdge::switchToDotableMode(bool on)
+{
+    if (m_dotable == on)
+        return;
+    prepareGeometryChange();
+    m_dotable = on;
+    update();
+}
+
+QPointF OssNgEdge::dotMarkerScenePos() const
+{
+    return mapToScene(m_path.pointAtPercent(0.5));
+}
+
+bool OssNgEdge::hitsDotMarker(const QPointF &scenePos) const
+{
+    return m_dotable && QLineF(scenePos, dotMarkerScenePos()).length() <= 8.0;
+}
+
+void OssNgEdge::releaseMouse(const QPointF &scenePos, bool discard)
+{
+    ungrabMouse();
+    if (!scenePos.isNull())
+        setLooseEnd(scenePos);
+    if (discard) {
+        hide();
+        deleteLater();
+    }
+}
+
+QRectF OssNgEdge::boundingRect() const
+{
+    const qreal margin = m_dotable ? 10.0 : 4.0;
+    return m_path.boundingRect().adjusted(-margin, -margin, margin, margin);
+}
+
+QPainterPath OssNgEdge::shape() const
+{
+    QPainterPathStroker stroker;
+    stroker.setWidth(8);
+    QPainterPath shape = stroker.createStroke(m_path);
+    if (m_dotable)
+        shape.addEllipse(m_path.pointAtPercent(0.5), 8, 8);
+    return shape;
+}
+
+void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
+{
+    const OssNgStyle *style = OssNgStyle::instance();
+    const qreal detail = option->levelOfDetailFromTransform(painter->worldTransform());
+    QColor color = style->edgeColor();
+    if (m_bypassed)
+        color = style->bypassedEdgeColor();
+    else if (m_activated)
+        color = style->activeEdgeColor();
+    else if (m_shared)
+        color = style->sharedEdgeColor();
+    if (m_debug && m_debugColor.isValid())
+        color = m_debugColor;
+    if (detail < style->levelOfDetailThreshold()) {
+        // Far away: a straight line is enough.
+        painter->setPen(QPen(color, 0));
+        painter->drawLine(m_path.pointAtPercent(0), m_path.pointAtPercent(1));
+        return;
+    }
+    QPen pen(color, m_activated ? 2.5 : 1.6);
+    if (m_bypassed || m_kind == Kind::Virtual)
+        pen.setStyle(Qt::DashLine);
+    painter->setPen(pen);
+    painter->setBrush(Qt::NoBrush);
+    painter->drawPath(m_path);
+    if (m_dotable) {
+        painter->setBrush(color);
+        painter->drawEllipse(m_path.pointAtPercent(0.5), 5, 5);
+    }
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "OssNodeGraphExport.h"
+
+#include <QColor>
+#include <QGraphicsObject>
+#include <QPainterPath>
+#include <QPointer>
+
+class OssNgNode;
+
+// A cubic curve from an output port of one node to an input port of another. It follows both
+// nodes as they move. While the user drags it, one end is loose and follows the mouse.
+class OSSNODEGRAPH_EXPORT OssNgEdge : public QGraphicsObject
+{
+    Q_OBJECT
+public:
+    enum
+    {
+        Type = UserType + 102
+    };
+    enum class Kind
+    {
+        Connection,
+        Temporary,
+        Virtual
+    };
+
+    OssNgEdge(OssNgNode *source, const QString &outputPoint, OssNgNode *target,
+              const QString &inputName, Kind kind = Kind::Connection);
+    ~OssNgEdge() override;
+    int type() const override { return Type; }
+    Kind kind() const { return m_kind; }
+
+    OssNgNode *sourceNode() const { return m_source; }
+    OssNgNode *targetNode() const { return m_target; }
+    QString outputPoint() const { return m_outputPoint; }
+    QString inputName() const { return m_inputName; }
+    bool isFullConnected() const { return m_source && m_target; }
+
+    // Attaches the source end to a node's output point, or detaches it (null).
+    void setSource(OssNgNode *source, const QString &outputPoint);
+    void setTarget(OssNgNode *target, const QString &inputName);
+    // The loose end's scene position while one end is free.
+    void setLooseEnd(const QPointF &scenePos);
+    QPointF looseEnd() const { return m_looseEnd; }
+
+    void setBypassed(bool bypassed);
+    bool isBypassed() const { return m_bypassed; }
+    void setShared(bool shared);
+    bool isShared() const { return m_shared; }
+    void setActivated(bool activated);
+    bool isActivated() const { return m_activated; }
+    void setDebug(bool debug);
+    void setDebugColor(const QColor &color);
+    QColor debugColor() const { return m_debugColor; }
+
+    // Shows a marker at the middle of the edge where a dot can be inserted.
+    void switchToDotableMode(bool on);
+    bool isDotable() const { return m_dotable; }
+    QPointF dotMarkerScenePos() const;
+    bool hitsDotMarker(const QPointF &scenePos) const;
+    // Drops a grabbed edge: ends a drag. With Discard the edge is deleted later.
+    void releaseMouse(const QPointF &scenePos, bool discard);
+
+    // Recomputes the curve from the ends.
+    void adjust();
+    QPointF startPoint() const;
+    QPointF endPoint() const;
+    QPainterPath curve() const { return m_path; }
+
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
+
+private:
+    Kind m_kind;
+    QPointer<OssNgNode> m_source;
+    QPointer<OssNgNode> m_target;
+    QString m_outputPoint;
+    QString m_inputName;
+    QPointF m_looseEnd;
+    QPainterPath m_path;
+    QColor m_debugColor;
+    bool m_bypassed = false;
+    bool m_shared = false;
+    bool m_activated = false;
+    bool m_debug = false;
+    bool m_dotable = false;
+};

@@ -1,0 +1,54 @@
+#include "OssNgUndo.h"
+
+#include "OssNgBackdropNode.h"
+#include "OssNgNode.h"
+
+OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node, QUndoCommand *parent)
+    : OssNgNodePositionChangeUndo(node, node->savedPosition(), node->pos(), parent)
+{}
+
+OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node,
+                                                         const QPointF &oldPosition,
+                                                         const QPointF &newPosition,
+                                                         QUndoCommand *parent)
+    : QUndoCommand(QStringLiteral("Move %1").arg(node->text()), parent), m_node(node),
+      m_old(oldPosition), m_new(newPosition)
+{}
+
+void OssNgNodePositionChangeUndo::redo()
+{
+    if (m_node && m_node->pos() != m_new)
+        m_node->setPos(m_new);
+}
+
+void OssNgNodePositionChangeUndo::undo()
+{
+    if (m_node && m_node->pos() != m_old)
+        m_node->setPos(m_old);
+}
+
+OssNgBackdropNodeRectChangeUndo::OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop,
+                                                                 QUndoCommand *parent)
+    : QUndoCommand(QStringLiteral("Resize %1").arg(backdrop->titleText()), parent),
+      m_backdrop(backdrop), m_old(backdrop->savedBoundingRect()),
+      m_new(QRectF(backdrop->pos(), backdrop->nodeSize()))
+{}
+
+void OssNgBackdropNodeRectChangeUndo::apply(const QRectF &rect)
+{
+    if (!m_backdrop || !rect.isValid())
+        return;
+    // Only the backdrop moves: its children have undo steps of their own.
+    m_backdrop->setNodeSize(rect.size());
+    m_backdrop->setRect(QRectF(rect.topLeft() - m_backdrop->pos(), rect.size()));
+}
+
+void OssNgBackdropNodeRectChangeUndo::redo()
+{
+    apply(m_new);
+}
+
+void OssNgBackdropNodeRectChangeUndo::undo()
+{
+    apply(m_old);
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "OssNodeGraphExport.h"
+
+#include <QPointF>
+#include <QPointer>
+#include <QRectF>
+#include <QUndoCommand>
+
+class OssNgNode;
+class OssNgBackdropNode;
+
+// One move of one GUI node: from the position saved with savePosition() (or given) to where it
+// is now (or given).
+class OSSNODEGRAPH_EXPORT OssNgNodePositionChangeUndo : public QUndoCommand
+{
+public:
+    explicit OssNgNodePositionChangeUndo(OssNgNode *node, QUndoCommand *parent = nullptr);
+    OssNgNodePositionChangeUndo(OssNgNode *node, const QPointF &oldPosition,
+                                const QPointF &newPosition, QUndoCommand *parent = nullptr);
+    void redo() override;
+    void undo() override;
+    QPointF oldPosition() const { return m_old; }
+    QPointF newPosition() const { return m_new; }
+
+private:
+    QPointer<OssNgNode> m_node;
+    QPointF m_old, m_new;
+};
+
+// One change of a backdrop's rectangle (position and size): from the rectangle saved with
+// saveBoundingRect() to the present one.
+class OSSNODEGRAPH_EXPORT OssNgBackdropNodeRectChangeUndo : public QUndoCommand
+{
+public:
+    explicit OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop,
+                                             QUndoCommand *parent = nullptr);
+    void redo() override;
+    void undo() override;
+
+private:
+    void apply(const QRectF &rect);
+    QPointer<OssNgBackdropNode> m_backdrop;
+    QRectF m_old, m_new;
+};

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "OssNodeGraphExport.h"
+
+#include <QElapsedTimer>
+#include <QGraphicsView>
+#include <QPointer>
+#include <QVector>
+
+class OssNgEdge;
+class OssNgNode;
+
+// The base node-graph view: panning, zooming, rubber-band selection, node dragging, drawing and
+// picking up edges, edge severing, snap to grid and the shake gesture. Edits that change
+// connections leave as the GUI nodes' inputSourceChanged signals.
+class OSSNODEGRAPH_EXPORT OssNgView : public QGraphicsView
+{
+    Q_OBJECT
+public:
+    // What the mouse is doing.
+    enum InteractionState
+    {
+        Idle = 0,
+        Panning = 1,
+        RubberBanding = 2,
+        DraggingNodes = 3,
+        DraggingEdge = 4,
+        Severing = 5,
+        Zooming = 6,
+    };
+    // Cursor tracking: 0 normal, 1 edge sever (dragging cuts edges), 2 edge pick-up (a click
+    // near an edge picks up its input end).
+    enum CursorTrackingMode
+    {
+        NormalTracking = 0,
+        EdgeSeverTracking = 1,
+        EdgePickUpTracking = 2
+    };
+
+    explicit OssNgView(QWidget *parent = nullptr);
+    ~OssNgView() override;
+
+    // Called once a scene is set: background, index and interaction settings.
+    virtual void init();
+
+    int interactionState() const { return m_interactionState; }
+    QRectF viewportInSceneCoords() const;
+    using QGraphicsView::fitInView;
+    double zoom() const;
+    // Multiplies the scale, kept between 1/50 and 8.
+    void scaleView(double factor);
+    QRectF visibleNodeBounds() const;
+    void centerViewOn(const QPointF &scenePos, bool immediate = true);
+    // The selected GUI nodes sorted top to bottom, then left to right.
+    QList<OssNgNode *> sortedSelection() const;
+
+    int cursorTrackingMode() const { return m_cursorTrackingMode; }
+    void setCursorTrackingMode(int mode);
+    bool snapToGrid() const { return m_snapToGrid; }
+    void setSnapToGrid(bool snap) { m_snapToGrid = snap; }
+    // Whether a node dropped on an edge may be spliced into it.
+    virtual bool autoInsertEnabled() const { return m_autoInsert; }
+    void setAutoInsertEnabled(bool enabled) { m_autoInsert = enabled; }
+
+    // The GUI node and port at a viewport position ("" when not on a port).
+    OssNgNode *nodeAt(const QPoint &viewportPos) const;
+    OssNgEdge *edgeAt(const QPoint &viewportPos) const;
+    // The edge being dragged, if any.
+    OssNgEdge *draggedEdge() const { return m_dragEdge; }
+
+public slots:
+    void zoomIn();
+    void zoomOut();
+    void zoomIn(double factor, QGraphicsView::ViewportAnchor anchor = AnchorViewCenter);
+    void zoomOut(double factor, QGraphicsView::ViewportAnchor anchor = AnchorViewCenter);
+    void panLeft();
+    void panRight();
+    void panUp();
+    void panDown();
+    // Picks up the input end of the edge nearest the cursor.
+    bool pickUpEdge();
+    void toggleSnapToGrid() { m_snapToGrid = !m_snapToGrid; }
+
+signals:
+    void shakeToExtractTriggered();
+    // Nodes were dragged by the user and dropped (after the move).
+    void nodesMoved(QList<OssNgNode *> nodes);
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void drawBackground(QPainter *painter, const QRectF &rect) override;
+
+    // The base view's state; the subclass writes the settings directly.
+    int m_interactionState = Idle;
+    bool m_shakeToExtractEnabled = true;
+    int m_shakeToExtractShakes = 4;
+    int m_shakeToExtractTime = 500;
+    QString m_navigationControlType = QStringLiteral("Kova");
+
+private:
+    void startEdgeDrag(OssNgNode *node, const QString &port, bool fromOutput,
+                       const QPointF &scenePos);
+    void finishEdgeDrag(const QPoint &viewportPos);
+    void trackShake(const QPoint &viewportPos);
+    void severEdgesAlong(const QLineF &line);
+
+    int m_cursorTrackingMode = NormalTracking;
+    bool m_snapToGrid = false;
+    bool m_autoInsert = true;
+    QPoint m_lastMouse;
+    QPointF m_severStart;
+    // Edge drag: the temporary or picked-up edge, and the fixed end.
+    QPointer<OssNgEdge> m_dragEdge;
+    QPointer<OssNgNode> m_dragFixedNode;
+    QString m_dragFixedPort;
+    bool m_dragFromOutput = true;
+    // A picked-up edge: the input it came from, cut when the drop lands nowhere.
+    QPointer<OssNgNode> m_pickedTarget;
+    QString m_pickedInput;
+    // Shake detection.
+    QElapsedTimer m_shakeClock;
+    QVector<qint64> m_reversals;
+    int m_lastDirection = 0;
+    bool m_shakeFired = false;
+    QList<QPointer<OssNgNode>> m_draggedNodes;
+    QGraphicsLineItem *m_severLine = nullptr;
+};
