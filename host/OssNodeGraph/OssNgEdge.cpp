@@ -3,6 +3,7 @@
 #include "OssNgNode.h"
 #include "OssNgStyle.h"
 
+#include <QGraphicsScene>
 #include <QPainter>
 #include <QPainterPathStroker>
 #include <QStyleOptionGraphicsItem>
@@ -133,7 +134,8 @@ bool OssNgEdge::hitsDotMarker(const QPointF &scenePos) const
 
 void OssNgEdge::releaseMouse(const QPointF &scenePos, bool discard)
 {
-    ungrabMouse();
+    if (scene() && scene()->mouseGrabberItem() == this)
+        ungrabMouse();
     if (!scenePos.isNull())
         setLooseEnd(scenePos);
     if (discard) {

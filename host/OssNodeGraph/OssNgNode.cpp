@@ -101,6 +101,13 @@ OssNgNode::OssNgNode(QGraphicsItem *parentItem)
     : QGraphicsObject(parentItem),
       m_size(OssNgStyle::instance()->nodeWidth(), OssNgStyle::instance()->nodeHeight())
 {
+    static const bool registered = [] {
+        qRegisterMetaType<OssNgNode *>("OssNgNode*");
+        qRegisterMetaType<OssNgEdge *>("OssNgEdge*");
+        qRegisterMetaType<QList<OssNgNode *>>("QList<OssNgNode*>");
+        return true;
+    }();
+    Q_UNUSED(registered);
     setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
     setAcceptHoverEvents(true);
     m_state = new OssNgNodeState(this);

@@ -1,0 +1,336 @@
+#include "OssTestEnvironment.h"
+
+#include <OssNgBackdropNode.h>
+#include <OssNgEdge.h>
+#include <OssNgExtendedNode.h>
+#include <OssNgUINodes.h>
+#include <OssNgUndo.h>
+
+#include <OssDeserializer.h>
+#include <OssSerializer.h>
+#include <OssUndoManager.h>
+
+#include <QGraphicsScene>
+#include <QImage>
+#include <QPainter>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+// A serialisable holder that saves one GUI node's state as the sub-object "m_GuiNode".
+class Holder : public OssSerializableObject
+{
+    Q_OBJECT
+public:
+    explicit Holder(OssNgNode *node) : m_node(node) {}
+    bool saveObjects(OssSerializer &serializer) override
+    {
+        return m_node->save(serializer, QStringLiteral("m_GuiNode"));
+    }
+    OssSerializableObject *onLoadSubObject(OssDeserializer &, const QString &name,
+                                           const QString &) override
+    {
+        return name == QLatin1String("m_GuiNode") ? m_node->state() : nullptr;
+    }
+
+private:
+    OssNgNode *m_node;
+};
+
+OssNgExtendedNode *makeNode(QGraphicsScene &scene, const QString &text, const QPointF &pos,
+                            const QStringList &inputs = {"A", "B"},
+                            const QStringList &outputs = {"Output"})
+{
+    auto *node = new OssNgExtendedNode;
+    node->setText(text);
+    for (int i = 0; i < inputs.size(); ++i)
+        node->addInputPort(inputs.at(i), i == 0);
+    for (const QString &output : outputs)
+        node->addOutputPort(output);
+    node->setPos(pos);
+    scene.addItem(node);
+    return node;
+}
+
+} // namespace
+
+class tst_NodeGraphItems : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+
+private slots:
+    void edgesFollowTheirNodes()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *source = makeNode(scene, "Noise", {0, 0});
+        OssNgExtendedNode *target = makeNode(scene, "Blur", {0, 200});
+        OssNgEdge *edge = target->connectInput("B", source, "Output");
+        QVERIFY(edge && edge->isFullConnected());
+        QCOMPARE(edge->scene(), &scene);
+        QCOMPARE(target->input("B"), edge);
+        QCOMPARE(source->outputs(), QList<OssNgEdge *>{edge});
+        QCOMPARE(edge->startPoint(), source->outputPortScenePos("Output"));
+        QCOMPARE(edge->endPoint(), target->inputPortScenePos("B"));
+        source->setPos(300, -50);
+        QCOMPARE(edge->curve().pointAtPercent(0), source->outputPortScenePos("Output"));
+        QCOMPARE(edge->curve().pointAtPercent(1), target->inputPortScenePos("B"));
+        // Re-targeting keeps one edge per input.
+        OssNgExtendedNode *other = makeNode(scene, "Other", {-300, 0});
+        QCOMPARE(target->connectInput("B", other, "Output"), edge);
+        QVERIFY(source->outputs().isEmpty());
+        target->connectInput("B", nullptr, QString());
+        QVERIFY(!target->input("B"));
+        QVERIFY(other->outputs().isEmpty());
+    }
+
+    void deletingOrDisposingANodeTakesItsEdges()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *a = makeNode(scene, "A", {0, 0});
+        OssNgExtendedNode *b = makeNode(scene, "B", {0, 200});
+        OssNgExtendedNode *c = makeNode(scene, "C", {0, 400});
+        QPointer<OssNgEdge> ab = b->connectInput("A", a, "Output");
+        QPointer<OssNgEdge> bc = c->connectInput("A", b, "Output");
+        b->dispose();
+        QVERIFY(!b->scene());
+        QVERIFY(!ab && !bc);
+        QVERIFY(a->outputs().isEmpty() && c->inputs().isEmpty());
+        // Put back and connected again, then deleted: its edges go with it.
+        scene.addItem(b);
+        bc = c->connectInput("A", b, "Output");
+        delete b;
+        QVERIFY(!bc);
+        QVERIFY(c->inputs().isEmpty());
+    }
+
+    void inputEdgesFollowTheirNodeBetweenScenes()
+    {
+        QGraphicsScene first, second;
+        OssNgExtendedNode *a = makeNode(first, "A", {0, 0});
+        OssNgExtendedNode *b = makeNode(first, "B", {0, 200});
+        OssNgEdge *edge = b->connectInput("A", a, "Output");
+        first.removeItem(b);
+        QVERIFY(!edge->scene());
+        first.addItem(b);
+        QCOMPARE(edge->scene(), &first);
+        Q_UNUSED(second);
+    }
+
+    void portListModes_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QStringList>("visibleInputs");
+        QTest::addColumn<bool>("horizontal");
+        QTest::newRow("shown") << 0 << QStringList{"A", "B", "C"} << false;
+        QTest::newRow("hidden") << 1 << QStringList{"A", "B", "C"} << true;
+        QTest::newRow("folded") << 2 << QStringList{"A"} << false;
+        QTest::newRow("connected") << 3 << QStringList{"A", "C"} << false;
+        QTest::newRow("expanded") << 4 << QStringList{"A", "B", "C"} << true;
+    }
+
+    void portListModes()
+    {
+        QFETCH(int, mode);
+        QFETCH(QStringList, visibleInputs);
+        QFETCH(bool, horizontal);
+        QGraphicsScene scene;
+        OssNgExtendedNode *source = makeNode(scene, "S", {0, -200});
+        OssNgExtendedNode *node = makeNode(scene, "N", {0, 0}, {"A", "B", "C"});
+        node->connectInput("C", source, "Output");
+        QSignalSpy changed(node, &OssNgExtendedNode::nodePortListModeChanged);
+        node->setProperty("portListMode", mode);
+        QCOMPARE(node->portListModeAsInt(), mode);
+        QCOMPARE(changed.count(), 0);
+        QStringList visible;
+        for (const QString &name : node->inputPortNames())
+            if (node->inputPort(name)->visible)
+                visible << name;
+        QCOMPARE(visible, visibleInputs);
+        QCOMPARE(node->flow() == OssNgNode::Flow::Horizontal, horizontal);
+        // The edge still ends at its input's anchor, visible or folded.
+        QCOMPARE(node->input("C")->endPoint(), node->inputPortScenePos("C"));
+    }
+
+    void cyclingIsTheUsersChange()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *node = makeNode(scene, "N", {0, 0});
+        QSignalSpy changed(node, &OssNgExtendedNode::nodePortListModeChanged);
+        node->cyclePortListMode();
+        node->cyclePortListMode();
+        QCOMPARE(changed.count(), 2);
+        QCOMPARE(changed.at(0).at(0).toInt(), 1);
+        QCOMPARE(changed.at(1).at(0).toInt(), 0);
+        node->setMultiChannelModesAllowed(true);
+        for (int i = 0; i < 4; ++i)
+            node->cyclePortListMode();
+        QCOMPARE(node->portListModeAsInt(), 4);
+    }
+
+    void iconsMarksAndPorts()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *node = makeNode(scene, "N", {0, 0});
+        const int geo = node->addIcon("GeoChannel");
+        const int patch = node->addIcon("ActivePatchRange");
+        QCOMPARE(geo, 0);
+        QCOMPARE(patch, 1);
+        QVERIFY(!node->iconVisible(patch));
+        node->setIconVisible(patch, true);
+        QVERIFY(node->iconVisible(patch) && !node->iconVisible(geo));
+        node->setMark(OssNgExtendedNode::CachedMark, true);
+        QVERIFY(node->mark(OssNgExtendedNode::CachedMark));
+        QVERIFY(node->renameInputPort("A", "Base"));
+        QVERIFY(!node->renameInputPort("B", "Base"));
+        QCOMPARE(node->inputPortNames(), (QStringList{"Base", "B"}));
+        node->setInputPortText("Base", "0:Current Material");
+        QCOMPARE(node->inputPort("Base")->label(), QStringLiteral("0:Current Material"));
+        node->setConnectionDescriptiveNames({"Diffuse"}, {"Material"});
+        QCOMPARE(node->outputPointDescriptiveName("Output"), QStringLiteral("Material"));
+        QVERIFY(node->removeInputPort("B"));
+        QCOMPARE(node->inputPortNames(), QStringList{"Base"});
+        // A port's hit area is where it is drawn.
+        const QPointF anchor = node->mapFromScene(node->inputPortScenePos("Base"));
+        QCOMPARE(node->inputPortAt(anchor), QStringLiteral("Base"));
+        QCOMPARE(node->inputPortAt(anchor + QPointF(30, 30)), QString());
+    }
+
+    void invokableSettersByName_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QByteArray>("signature");
+        QTest::addColumn<bool>("present");
+        QTest::newRow("backdrop colour")
+            << "backdrop" << QByteArray("setNodeBackgroundColour(QColor)") << true;
+        QTest::newRow("backdrop title")
+            << "backdrop" << QByteArray("setTitleText(QString)") << true;
+        QTest::newRow("backdrop label") << "backdrop" << QByteArray("setLabel(QString)") << false;
+        QTest::newRow("note label") << "note" << QByteArray("setLabel(QString)") << true;
+        QTest::newRow("note colour")
+            << "note" << QByteArray("setNodeBackgroundColour(QColor)") << true;
+        QTest::newRow("dot label") << "dot" << QByteArray("setLabel(QString)") << false;
+    }
+
+    void invokableSettersByName()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QByteArray, signature);
+        QFETCH(bool, present);
+        std::unique_ptr<OssNgNode> node;
+        if (kind == "backdrop")
+            node.reset(new OssNgBackdropNode);
+        else if (kind == "note")
+            node.reset(new OssNgUINode);
+        else
+            node.reset(new OssNgDotNode);
+        QCOMPARE(node->metaObject()->indexOfMethod(signature.constData()) >= 0, present);
+    }
+
+    void backdropsCarryTheirChildren()
+    {
+        QGraphicsScene scene;
+        auto *backdrop = new OssNgBackdropNode;
+        scene.addItem(backdrop);
+        OssNgExtendedNode *inside = makeNode(scene, "Inside", {100, 100});
+        OssNgExtendedNode *outside = makeNode(scene, "Outside", {900, 900});
+        backdrop->wrapAroundSelection(inside->sceneBoundingRect());
+        QVERIFY(backdrop->sceneBoundingRect().contains(inside->sceneBoundingRect()));
+        QVERIFY(backdrop->nodesInside().contains(inside));
+        QVERIFY(!backdrop->nodesInside().contains(outside));
+        const QPointF before = inside->pos();
+        backdrop->setPosition(backdrop->pos() + QPointF(50, 20));
+        QCOMPARE(inside->pos(), before + QPointF(50, 20));
+        QCOMPARE(outside->pos(), QPointF(900, 900));
+        QCOMPARE(backdrop->childrenList().size(), 1);
+        QSignalSpy z(backdrop, &OssNgBackdropNode::zOrderChanged);
+        backdrop->setZOrder(3);
+        QCOMPARE(z.count(), 1);
+        QVERIFY(backdrop->zValue() < inside->zValue());
+        QVERIFY(QMetaObject::invokeMethod(backdrop, "setTitleText", Q_ARG(QString, "Dirt")));
+        QCOMPARE(backdrop->titleText(), QStringLiteral("Dirt"));
+        // Only the title bar takes clicks.
+        QVERIFY(backdrop->hitTest(QPointF(20, 5)));
+        QVERIFY(!backdrop->hitTest(QPointF(20, backdrop->titleBarHeight() + 20)));
+    }
+
+    void undoStepsRestorePositionsAndRectangles()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *node = makeNode(scene, "N", {10, 20});
+        node->savePosition();
+        node->setPos(200, 300);
+        OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(node));
+        OssUndoManager::instance()->addUndo(
+            new OssNgNodePositionChangeUndo(node, {200, 300}, {-5, -5}));
+        QCOMPARE(node->pos(), QPointF(-5, -5));
+        OssUndoManager::instance()->undo();
+        QCOMPARE(node->pos(), QPointF(200, 300));
+        OssUndoManager::instance()->undo();
+        QCOMPARE(node->pos(), QPointF(10, 20));
+        OssUndoManager::instance()->redo();
+        QCOMPARE(node->pos(), QPointF(200, 300));
+
+        auto *backdrop = new OssNgBackdropNode;
+        scene.addItem(backdrop);
+        backdrop->setPos(0, 0);
+        backdrop->saveBoundingRect();
+        backdrop->setRect(QRectF(40, 30, 500, 260));
+        OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop));
+        QCOMPARE(QRectF(backdrop->pos(), backdrop->nodeSize()), QRectF(40, 30, 500, 260));
+        OssUndoManager::instance()->undo();
+        QCOMPARE(QRectF(backdrop->pos(), backdrop->nodeSize()), QRectF(0, 0, 400, 240));
+        OssUndoManager::instance()->redo();
+        QCOMPARE(QRectF(backdrop->pos(), backdrop->nodeSize()), QRectF(40, 30, 500, 260));
+        OssUndoManager::instance()->clear();
+    }
+
+    void guiStateRoundTrip()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *node = makeNode(scene, "N", {123.5, -40});
+        node->setPortListMode(OssNgExtendedNode::PortListFolded);
+        node->setZValue(4);
+        Holder holder(node);
+        OssSerializer serializer;
+        const QByteArray data = serializer.saveToData(&holder, QStringLiteral("context"));
+        QVERIFY(data.contains("name=\"m_GuiNode\""));
+
+        OssNgExtendedNode *copy = makeNode(scene, "Copy", {0, 0});
+        Holder target(copy);
+        OssDeserializer deserializer;
+        QString error;
+        QVERIFY2(deserializer.loadFromData(data, &target, &error), qPrintable(error));
+        QCOMPARE(copy->pos(), QPointF(123.5, -40));
+        QCOMPARE(copy->portListModeAsInt(), 2);
+        QCOMPARE(copy->zValue(), 4.0);
+        OssNgExtendedNode *clone = makeNode(scene, "Clone", {0, 0});
+        clone->copyFrom(node);
+        QCOMPARE(clone->pos(), node->pos());
+        QCOMPARE(clone->portListModeAsInt(), 2);
+    }
+
+    void levelOfDetailPaintsWithoutText()
+    {
+        // Far away a node is one filled box: rendering stays cheap and shows no text.
+        QGraphicsScene scene;
+        OssNgExtendedNode *node = makeNode(scene, "A long node title", {0, 0});
+        node->setNodeColor(QColor(200, 0, 0), QColor(200, 0, 0));
+        QImage far(40, 20, QImage::Format_ARGB32);
+        far.fill(Qt::white);
+        QPainter painter(&far);
+        scene.render(&painter, QRectF(0, 0, 40, 20), node->sceneBoundingRect());
+        painter.end();
+        QSet<QRgb> colours;
+        for (int y = 2; y < 18; ++y)
+            for (int x = 2; x < 38; ++x)
+                colours.insert(far.pixel(x, y));
+        QVERIFY(colours.size() <= 3);
+    }
+};
+
+QTEST_MAIN(tst_NodeGraphItems)
+#include "tst_NodeGraphItems.moc"

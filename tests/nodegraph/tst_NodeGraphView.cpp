@@ -1,0 +1,274 @@
+#include "OssTestEnvironment.h"
+
+#include <OssNgBackdropNode.h>
+#include <OssNgEdge.h>
+#include <OssNgExtendedNode.h>
+#include <OssNgView.h>
+
+#include <QGraphicsScene>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+// A view whose shake settings a test can set, as the plug-in's view does.
+class View : public OssNgView
+{
+public:
+    void setShake(bool enabled, int shakes, int time)
+    {
+        m_shakeToExtractEnabled = enabled;
+        m_shakeToExtractShakes = shakes;
+        m_shakeToExtractTime = time;
+    }
+};
+
+struct Connection
+{
+    OssNgNode *node;
+    OssNgNode *source;
+    QString input;
+    QString output;
+};
+
+} // namespace
+
+// The base view driven by real mouse events on its viewport.
+class tst_NodeGraphView : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+    QGraphicsScene *m_scene = nullptr;
+    View *m_view = nullptr;
+    OssNgExtendedNode *m_a = nullptr; // source at the top
+    OssNgExtendedNode *m_b = nullptr; // target below
+    QList<Connection> m_requests;
+
+    OssNgExtendedNode *makeNode(const QString &text, const QPointF &pos)
+    {
+        auto *node = new OssNgExtendedNode;
+        node->setText(text);
+        node->addInputPort("Input", true);
+        node->addInputPort("Mask");
+        node->addOutputPort("Output");
+        node->setPos(pos);
+        m_scene->addItem(node);
+        connect(node, &OssNgNode::inputSourceChanged, this,
+                [this, node](OssNgNode *source, const QString &input, const QString &output) {
+                    m_requests.append(Connection{node, source, input, output});
+                });
+        return node;
+    }
+
+    QPoint at(const QPointF &scenePos) const { return m_view->mapFromScene(scenePos); }
+    void drag(const QPoint &from, const QPoint &to, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, modifiers, from);
+        for (int i = 1; i <= 5; ++i) {
+            const QPoint step = from + (to - from) * i / 5;
+            QMouseEvent move(QEvent::MouseMove, step, m_view->viewport()->mapToGlobal(step),
+                             Qt::NoButton, Qt::LeftButton, modifiers);
+            QApplication::sendEvent(m_view->viewport(), &move);
+        }
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, modifiers, to);
+    }
+
+private slots:
+    void init()
+    {
+        m_scene = new QGraphicsScene(-2000, -2000, 4000, 4000);
+        m_view = new View;
+        m_view->setScene(m_scene);
+        m_view->init();
+        m_view->resize(1000, 800);
+        m_view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_view));
+        m_requests.clear();
+        m_a = makeNode("A", {0, 0});
+        m_b = makeNode("B", {0, 250});
+        m_view->centerOn(80, 150);
+    }
+
+    void cleanup()
+    {
+        delete m_view;
+        delete m_scene;
+    }
+
+    void dragFromOutputToInputAsksForTheConnection()
+    {
+        drag(at(m_a->outputPortScenePos("Output")), at(m_b->inputPortScenePos("Mask")));
+        QCOMPARE(m_requests.size(), 1);
+        QCOMPARE(m_requests.first().node, m_b);
+        QCOMPARE(m_requests.first().source, m_a);
+        QCOMPARE(m_requests.first().input, QStringLiteral("Mask"));
+        QCOMPARE(m_requests.first().output, QStringLiteral("Output"));
+        // The view draws nothing itself: the connection is the business side's to make.
+        QVERIFY(!m_b->input("Mask"));
+        QTRY_VERIFY(!m_view->draggedEdge());
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
+    }
+
+    void dropOnTheBodyTakesTheFreePreferredInput()
+    {
+        drag(at(m_a->outputPortScenePos("Output")), at(m_b->sceneBoundingRect().center()));
+        QCOMPARE(m_requests.size(), 1);
+        QCOMPARE(m_requests.first().input, QStringLiteral("Input"));
+        m_requests.clear();
+        m_b->connectInput("Input", m_a, "Output");
+        drag(at(m_a->outputPortScenePos("Output")), at(m_b->sceneBoundingRect().center()));
+        QCOMPARE(m_requests.first().input, QStringLiteral("Mask"));
+    }
+
+    void dragFromAnInputToAnOutput()
+    {
+        drag(at(m_b->inputPortScenePos("Input")), at(m_a->sceneBoundingRect().center()));
+        QCOMPARE(m_requests.size(), 1);
+        QCOMPARE(m_requests.first().node, m_b);
+        QCOMPARE(m_requests.first().source, m_a);
+        QCOMPARE(m_requests.first().output, QStringLiteral("Output"));
+    }
+
+    void pickingUpAConnectedInputAndDroppingItNowhereDisconnects()
+    {
+        m_b->connectInput("Input", m_a, "Output");
+        drag(at(m_b->inputPortScenePos("Input")), at(QPointF(600, 600)));
+        QCOMPARE(m_requests.size(), 1);
+        QCOMPARE(m_requests.first().node, m_b);
+        QVERIFY(!m_requests.first().source);
+        QCOMPARE(m_requests.first().input, QStringLiteral("Input"));
+        // The edge stays until the business side disconnects.
+        QVERIFY(m_b->input("Input") && m_b->input("Input")->isVisible());
+    }
+
+    void movingAPickedUpEdgeToAnotherInput()
+    {
+        m_b->connectInput("Input", m_a, "Output");
+        drag(at(m_b->inputPortScenePos("Input")), at(m_b->inputPortScenePos("Mask")));
+        QCOMPARE(m_requests.size(), 2);
+        QVERIFY(!m_requests.at(0).source);
+        QCOMPARE(m_requests.at(1).source, m_a);
+        QCOMPARE(m_requests.at(1).input, QStringLiteral("Mask"));
+    }
+
+    void severModeCutsCrossedEdges()
+    {
+        m_b->connectInput("Input", m_a, "Output");
+        m_view->setCursorTrackingMode(OssNgView::EdgeSeverTracking);
+        const QPointF middle = m_b->input("Input")->curve().pointAtPercent(0.5);
+        drag(at(middle + QPointF(-150, 0)), at(middle + QPointF(150, 0)));
+        QCOMPARE(m_requests.size(), 1);
+        QVERIFY(!m_requests.first().source);
+        QCOMPARE(m_requests.first().input, QStringLiteral("Input"));
+    }
+
+    void draggingNodesMovesThemAndReportsTheMove()
+    {
+        QSignalSpy moved(m_view, &OssNgView::nodesMoved);
+        const QPointF before = m_a->pos();
+        drag(at(m_a->sceneBoundingRect().center()),
+             at(m_a->sceneBoundingRect().center()) + QPoint(120, 40));
+        QVERIFY(m_a->pos() != before);
+        QCOMPARE(m_a->savedPosition(), before);
+        QCOMPARE(moved.count(), 1);
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
+    }
+
+    void shakeIsDetectedWithinTheTime_data()
+    {
+        QTest::addColumn<int>("reversals");
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<bool>("triggered");
+        QTest::newRow("enough shakes") << 5 << true << true;
+        QTest::newRow("too few") << 2 << true << false;
+        QTest::newRow("turned off") << 6 << false << false;
+    }
+
+    void shakeIsDetectedWithinTheTime()
+    {
+        QFETCH(int, reversals);
+        QFETCH(bool, enabled);
+        QFETCH(bool, triggered);
+        m_view->setShake(enabled, 4, 5000);
+        QSignalSpy shake(m_view, &OssNgView::shakeToExtractTriggered);
+        const QPoint start = at(m_a->sceneBoundingRect().center());
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, start);
+        QPoint pos = start;
+        for (int i = 0; i <= reversals; ++i) {
+            pos += QPoint(i % 2 ? -40 : 40, 0);
+            QMouseEvent move(QEvent::MouseMove, pos, m_view->viewport()->mapToGlobal(pos),
+                             Qt::NoButton, Qt::LeftButton, {});
+            QApplication::sendEvent(m_view->viewport(), &move);
+        }
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, pos);
+        QCOMPARE(shake.count(), triggered ? 1 : 0);
+    }
+
+    void rubberBandSelects()
+    {
+        const QRectF both = m_a->sceneBoundingRect().united(m_b->sceneBoundingRect());
+        drag(at(both.topLeft() - QPointF(40, 40)), at(both.bottomRight() + QPointF(40, 40)));
+        QCOMPARE(m_view->sortedSelection(), (QList<OssNgNode *>{m_a, m_b}));
+    }
+
+    void zoomIsExact()
+    {
+        m_view->zoomIn(2.0);
+        m_view->zoomOut(m_view->zoom());
+        m_view->zoomIn(0.75);
+        QCOMPARE(m_view->zoom(), 0.75);
+        const double before = m_view->zoom();
+        QWheelEvent wheel(QPointF(500, 400), m_view->viewport()->mapToGlobal(QPoint(500, 400)),
+                          QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(m_view->viewport(), &wheel);
+        QVERIFY(qAbs(m_view->zoom() - before * 1.15) < 1e-9);
+        m_view->scaleView(1e6);
+        QVERIFY(m_view->zoom() <= 8.0);
+    }
+
+    void visibleBoundsAndFraming()
+    {
+        const QRectF bounds = m_view->visibleNodeBounds();
+        QVERIFY(bounds.contains(m_a->sceneBoundingRect()));
+        QVERIFY(bounds.contains(m_b->sceneBoundingRect()));
+        m_b->hide();
+        QVERIFY(!m_view->visibleNodeBounds().contains(m_b->sceneBoundingRect()));
+        m_view->fitInView(bounds, Qt::KeepAspectRatio);
+        QVERIFY(m_view->viewportInSceneCoords().contains(m_a->sceneBoundingRect().center()));
+    }
+
+    void autoInsertSplicesANodeDroppedOnAnEdge()
+    {
+        m_b->connectInput("Input", m_a, "Output");
+        OssNgExtendedNode *c = makeNode("C", {400, 0});
+        c->setPos(m_b->input("Input")->curve().pointAtPercent(0.5) -
+                  QPointF(c->nodeSize().width() / 2, c->nodeSize().height() / 2));
+        m_view->setAutoInsertEnabled(false);
+        QVERIFY(!c->processAutoinsert());
+        m_view->setAutoInsertEnabled(true);
+        QVERIFY(c->processAutoinsert());
+        QCOMPARE(m_requests.size(), 2);
+        QCOMPARE(m_requests.at(0).node, c);
+        QCOMPARE(m_requests.at(0).source, m_a);
+        QCOMPARE(m_requests.at(0).input, QStringLiteral("Input"));
+        QCOMPARE(m_requests.at(1).node, m_b);
+        QCOMPARE(m_requests.at(1).source, c);
+        QCOMPARE(m_requests.at(1).output, QStringLiteral("Output"));
+    }
+
+    void dotMarkerClicksReachTheTargetNode()
+    {
+        OssNgEdge *edge = m_b->connectInput("Input", m_a, "Output");
+        edge->switchToDotableMode(true);
+        QSignalSpy clicked(m_b, &OssNgNode::clickedOnDotableMarkerOnEdge);
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, at(edge->dotMarkerScenePos()));
+        QCOMPARE(clicked.count(), 1);
+        QCOMPARE(clicked.first().first().value<OssNgEdge *>(), edge);
+    }
+};
+
+QTEST_MAIN(tst_NodeGraphView)
+#include "tst_NodeGraphView.moc"
