@@ -288,8 +288,10 @@ void OssNgView::severEdgesAlong(const QLineF &line)
         if (item->type() != OssNgEdge::Type)
             continue;
         auto *edge = static_cast<OssNgEdge *>(static_cast<QGraphicsObject *>(item));
-        if (edge->kind() == OssNgEdge::Kind::Connection && edge->isFullConnected())
+        if (edge->kind() == OssNgEdge::Kind::Connection && edge->isFullConnected()) {
+            emit edgeSevered(edge);
             edge->targetNode()->requestInputSource(nullptr, edge->inputName(), QString());
+        }
     }
 }
 
@@ -305,15 +307,21 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
         return;
     }
     const bool alt = event->modifiers() & Qt::AltModifier;
+    const bool control = event->modifiers() & Qt::ControlModifier;
     const bool ossaNavigation = m_navigationControlType == QLatin1String("Ossa");
-    if (event->button() == Qt::MiddleButton || (alt && event->button() == Qt::LeftButton)) {
-        m_interactionState = Panning;
-        viewport()->setCursor(Qt::ClosedHandCursor);
+    const bool zoomDrag = ossaNavigation ? alt && event->button() == Qt::RightButton
+                                         : control && event->button() == Qt::MiddleButton;
+    const bool panDrag =
+        !zoomDrag && (event->button() == Qt::MiddleButton ||
+                      (ossaNavigation && alt && event->button() == Qt::LeftButton));
+    if (zoomDrag) {
+        m_interactionState = Zooming;
         event->accept();
         return;
     }
-    if (alt && event->button() == Qt::RightButton && ossaNavigation) {
-        m_interactionState = Zooming;
+    if (panDrag) {
+        m_interactionState = Panning;
+        viewport()->setCursor(Qt::ClosedHandCursor);
         event->accept();
         return;
     }

@@ -13,6 +13,14 @@ class OssNgNode;
 // The base node-graph view: panning, zooming, rubber-band selection, node dragging, drawing and
 // picking up edges, edge severing, snap to grid and the shake gesture. Edits that change
 // connections leave as the GUI nodes' inputSourceChanged signals.
+//
+// Navigation schemes (the navigation control type):
+//   "Kova": middle-button drag pans, Ctrl + middle-button drag zooms, the wheel zooms.
+//   "Ossa": Alt + left drag pans, Alt + right drag zooms, middle-button drag pans, the wheel
+//           zooms.
+// In both, a left drag on empty space draws a rubber band, on a node moves the selection, from
+// a port draws an edge; Ctrl + Shift + left drag on empty space (or any left drag in edge-sever
+// mode) cuts the edges it crosses.
 class OSSNODEGRAPH_EXPORT OssNgView : public QGraphicsView
 {
     Q_OBJECT
@@ -83,6 +91,8 @@ public slots:
 
 signals:
     void shakeToExtractTriggered();
+    // One per edge cut by a sever stroke (the target node also asks for the disconnection).
+    void edgeSevered(OssNgEdge *edge);
     // Nodes were dragged by the user and dropped (after the move).
     void nodesMoved(QList<OssNgNode *> nodes);
 

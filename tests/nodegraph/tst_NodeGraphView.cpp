@@ -15,6 +15,7 @@ namespace {
 class View : public OssNgView
 {
 public:
+    void setNavigation(const QString &scheme) { m_navigationControlType = scheme; }
     void setShake(bool enabled, int shakes, int time)
     {
         m_shakeToExtractEnabled = enabled;
@@ -156,12 +157,73 @@ private slots:
     void severModeCutsCrossedEdges()
     {
         m_b->connectInput("Input", m_a, "Output");
+        m_b->connectInput("Mask", m_a, "Output");
         m_view->setCursorTrackingMode(OssNgView::EdgeSeverTracking);
+        QSignalSpy severed(m_view, &OssNgView::edgeSevered);
         const QPointF middle = m_b->input("Input")->curve().pointAtPercent(0.5);
-        drag(at(middle + QPointF(-150, 0)), at(middle + QPointF(150, 0)));
-        QCOMPARE(m_requests.size(), 1);
-        QVERIFY(!m_requests.first().source);
-        QCOMPARE(m_requests.first().input, QStringLiteral("Input"));
+        drag(at(middle + QPointF(-250, 0)), at(middle + QPointF(250, 0)));
+        QCOMPARE(severed.count(), 2);
+        QCOMPARE(m_requests.size(), 2);
+        QStringList inputs{m_requests.at(0).input, m_requests.at(1).input};
+        inputs.sort();
+        QCOMPARE(inputs, (QStringList{"Input", "Mask"}));
+        QVERIFY(!m_requests.at(0).source && !m_requests.at(1).source);
+    }
+
+    void navigationSchemes_data()
+    {
+        QTest::addColumn<QString>("scheme");
+        QTest::addColumn<int>("button");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<bool>("pans");
+        QTest::addColumn<bool>("zooms");
+        QTest::newRow("Kova middle") << "Kova" << int(Qt::MiddleButton) << 0 << true << false;
+        QTest::newRow("Kova ctrl middle")
+            << "Kova" << int(Qt::MiddleButton) << int(Qt::ControlModifier) << false << true;
+        QTest::newRow("Kova alt left")
+            << "Kova" << int(Qt::LeftButton) << int(Qt::AltModifier) << false << false;
+        QTest::newRow("Ossa alt left")
+            << "Ossa" << int(Qt::LeftButton) << int(Qt::AltModifier) << true << false;
+        QTest::newRow("Ossa alt right")
+            << "Ossa" << int(Qt::RightButton) << int(Qt::AltModifier) << false << true;
+        QTest::newRow("Ossa middle") << "Ossa" << int(Qt::MiddleButton) << 0 << true << false;
+    }
+
+    void navigationSchemes()
+    {
+        QFETCH(QString, scheme);
+        QFETCH(int, button);
+        QFETCH(int, modifiers);
+        QFETCH(bool, pans);
+        QFETCH(bool, zooms);
+        m_view->setNavigation(scheme);
+        const QPoint from(500, 400), to(560, 430);
+        const QPointF centre = m_view->viewportInSceneCoords().center();
+        const double zoom = m_view->zoom();
+        const auto mouseButton = Qt::MouseButton(button);
+        const auto keys = Qt::KeyboardModifiers(modifiers);
+        QTest::mousePress(m_view->viewport(), mouseButton, keys, from);
+        QMouseEvent move(QEvent::MouseMove, to, m_view->viewport()->mapToGlobal(to), Qt::NoButton,
+                         mouseButton, keys);
+        QApplication::sendEvent(m_view->viewport(), &move);
+        QTest::mouseRelease(m_view->viewport(), mouseButton, keys, to);
+        QCOMPARE(m_view->viewportInSceneCoords().center() != centre && !zooms, pans);
+        QCOMPARE(m_view->zoom() != zoom, zooms);
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
+    }
+
+    void deletingANodeWhileItsEdgeIsDragged()
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {},
+                          at(m_a->outputPortScenePos("Output")));
+        QVERIFY(m_view->draggedEdge());
+        delete m_a;
+        m_a = nullptr;
+        QVERIFY(!m_view->draggedEdge());
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {},
+                            at(m_b->inputPortScenePos("Input")));
+        QVERIFY(m_requests.isEmpty());
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
     }
 
     void draggingNodesMovesThemAndReportsTheMove()
@@ -184,6 +246,7 @@ private slots:
         QTest::newRow("enough shakes") << 5 << true << true;
         QTest::newRow("too few") << 2 << true << false;
         QTest::newRow("turned off") << 6 << false << false;
+        QTest::newRow("too slow") << 6 << true << false;
     }
 
     void shakeIsDetectedWithinTheTime()
@@ -191,13 +254,17 @@ private slots:
         QFETCH(int, reversals);
         QFETCH(bool, enabled);
         QFETCH(bool, triggered);
-        m_view->setShake(enabled, 4, 5000);
+        const bool slow = QByteArray(QTest::currentDataTag()) == "too slow";
+        // A slow shake has more time between its reversals than the gesture allows.
+        m_view->setShake(enabled, 4, slow ? 20 : 5000);
         QSignalSpy shake(m_view, &OssNgView::shakeToExtractTriggered);
         const QPoint start = at(m_a->sceneBoundingRect().center());
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, start);
         QPoint pos = start;
         for (int i = 0; i <= reversals; ++i) {
             pos += QPoint(i % 2 ? -40 : 40, 0);
+            if (slow)
+                QTest::qWait(40);
             QMouseEvent move(QEvent::MouseMove, pos, m_view->viewport()->mapToGlobal(pos),
                              Qt::NoButton, Qt::LeftButton, {});
             QApplication::sendEvent(m_view->viewport(), &move);
