@@ -45,3 +45,26 @@ private:
     QGraphicsView *m_view = nullptr;
     QVector<QPointF> m_centers;
 };
+
+class OssNgNode;
+
+// The node-graph GUI library on its own (no business nodes): GUI nodes, edges and backdrops in
+// the base view.
+class NodeGraphSystem : public BenchSystem
+{
+public:
+    NodeGraphSystem();
+    ~NodeGraphSystem() override;
+    QString name() const override { return QStringLiteral("nodegraph"); }
+    void build(const BenchGraph &graph) override;
+    void tearDown() override;
+    QGraphicsScene *scene() const override { return m_scene; }
+    QGraphicsView *view() const override { return m_view; }
+    QPointF nodeCenter(int index) const override;
+    void selectNodes(int count) override;
+
+private:
+    QGraphicsScene *m_scene = nullptr;
+    QGraphicsView *m_view = nullptr;
+    QVector<OssNgNode *> m_nodes;
+};

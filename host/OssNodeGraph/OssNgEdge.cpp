@@ -80,6 +80,13 @@ void OssNgEdge::adjust()
     QPainterPath path(start);
     path.cubicTo(start + outDirection * reach, end + inDirection * reach, end);
     m_path = path;
+    // Bounds of a curve are costly; the scene asks for them often.
+    m_bounds = path.controlPointRect();
+    m_shape = QPainterPath();
+    m_start = start;
+    m_end = end;
+    // The middle of a symmetric cubic: where the dot marker sits.
+    m_middle = (start + end) * 0.5 + (outDirection + inDirection) * reach * 0.375;
     update();
 }
 
@@ -119,12 +126,13 @@ void OssNgEdge::switchToDotableMode(bool on)
         return;
     prepareGeometryChange();
     m_dotable = on;
+    m_shape = QPainterPath();
     update();
 }
 
 QPointF OssNgEdge::dotMarkerScenePos() const
 {
-    return mapToScene(m_path.pointAtPercent(0.5));
+    return mapToScene(m_middle);
 }
 
 bool OssNgEdge::hitsDotMarker(const QPointF &scenePos) const
@@ -147,17 +155,21 @@ void OssNgEdge::releaseMouse(const QPointF &scenePos, bool discard)
 QRectF OssNgEdge::boundingRect() const
 {
     const qreal margin = m_dotable ? 10.0 : 4.0;
-    return m_path.boundingRect().adjusted(-margin, -margin, margin, margin);
+    return m_bounds.adjusted(-margin, -margin, margin, margin);
 }
 
 QPainterPath OssNgEdge::shape() const
 {
-    QPainterPathStroker stroker;
-    stroker.setWidth(8);
-    QPainterPath shape = stroker.createStroke(m_path);
-    if (m_dotable)
-        shape.addEllipse(m_path.pointAtPercent(0.5), 8, 8);
-    return shape;
+    // Stroking a curve is costly and hit tests ask often: the stroke is kept until the curve
+    // changes.
+    if (m_shape.isEmpty()) {
+        QPainterPathStroker stroker;
+        stroker.setWidth(8);
+        m_shape = stroker.createStroke(m_path);
+        if (m_dotable)
+            m_shape.addEllipse(m_middle, 8, 8);
+    }
+    return m_shape;
 }
 
 void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
@@ -176,7 +188,7 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
     if (detail < style->levelOfDetailThreshold()) {
         // Far away: a straight line is enough.
         painter->setPen(QPen(color, 0));
-        painter->drawLine(m_path.pointAtPercent(0), m_path.pointAtPercent(1));
+        painter->drawLine(m_start, m_end);
         return;
     }
     QPen pen(color, m_activated ? 2.5 : 1.6);
@@ -187,6 +199,6 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
     painter->drawPath(m_path);
     if (m_dotable) {
         painter->setBrush(color);
-        painter->drawEllipse(m_path.pointAtPercent(0.5), 5, 5);
+        painter->drawEllipse(m_middle, 5, 5);
     }
 }

@@ -81,6 +81,9 @@ private:
     QString m_inputName;
     QPointF m_looseEnd;
     QPainterPath m_path;
+    mutable QPainterPath m_shape;
+    QRectF m_bounds;
+    QPointF m_start, m_end, m_middle;
     QColor m_debugColor;
     bool m_bypassed = false;
     bool m_shared = false;

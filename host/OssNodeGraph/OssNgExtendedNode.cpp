@@ -103,6 +103,14 @@ QBrush OssNgExtendedNode::fillBrush() const
     return QBrush(gradient);
 }
 
+QColor OssNgExtendedNode::farColor() const
+{
+    const QColor top = OssNgNode::topColor();
+    if (top != OssNgStyle::instance()->defaultNodeTopColor())
+        return top;
+    return OssNgStyle::instance()->categoryColors(m_category).first;
+}
+
 void OssNgExtendedNode::setPixmap(const QPixmap &pixmap, const QPoint &offset)
 {
     m_pixmap = pixmap;

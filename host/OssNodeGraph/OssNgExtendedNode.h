@@ -80,6 +80,7 @@ public:
     QStringList outputPortList() const { return outputPortNames(); }
 
     QBrush fillBrush() const override;
+    QColor farColor() const override;
     void copyFrom(const OssNgNode *other) override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 

@@ -808,6 +808,12 @@ QRectF OssNgNode::boundingRect() const
     return bodyRect().adjusted(-margin, -margin, margin, margin);
 }
 
+bool OssNgNode::contains(const QPointF &point) const
+{
+    // Hit tests of boxes need no path.
+    return boundingRect().contains(point);
+}
+
 QPainterPath OssNgNode::shape() const
 {
     QPainterPath path;
@@ -819,6 +825,13 @@ void OssNgNode::paintPorts(QPainter *painter, bool withText)
 {
     const OssNgStyle *style = OssNgStyle::instance();
     const qreal radius = style->portRadius();
+    static const QFont labelFont = [] {
+        QFont font;
+        font.setPointSizeF(7);
+        return font;
+    }();
+    const QFont titleFont = painter->font();
+    painter->setFont(labelFont);
     painter->setPen(QPen(Qt::black, 1));
     for (const QVector<OssNgPort> *ports : {&m_inputs, &m_outputs}) {
         for (const OssNgPort &port : *ports) {
@@ -842,13 +855,11 @@ void OssNgNode::paintPorts(QPainter *painter, bool withText)
             const Qt::Alignment alignment = m_flow == Flow::Vertical
                                                 ? Qt::AlignHCenter
                                                 : (port.input ? Qt::AlignLeft : Qt::AlignRight);
-            QFont font = painter->font();
-            font.setPointSizeF(7);
-            painter->setFont(font);
             painter->drawText(box, alignment | Qt::AlignVCenter, label);
             painter->setPen(QPen(Qt::black, 1));
         }
     }
+    painter->setFont(titleFont);
 }
 
 void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
@@ -867,7 +878,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         outline = style->selectedColor();
     if (detail < style->levelOfDetailThreshold()) {
         // Far away: a filled box, no text, no ports.
-        painter->fillRect(body, fillBrush());
+        painter->fillRect(body, farColor());
         if (isSelected() || m_highlighted) {
             painter->setPen(QPen(outline, 0));
             painter->drawRect(body);

@@ -182,6 +182,8 @@ public:
     QColor topColor() const;
     QColor bottomColor() const;
     virtual QBrush fillBrush() const;
+    // The single colour a far-away node is drawn with.
+    virtual QColor farColor() const { return topColor(); }
     Flow flow() const { return m_flow; }
 
     // --- editing helpers
@@ -207,6 +209,7 @@ public:
 
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
+    bool contains(const QPointF &point) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
     // Used by edges.

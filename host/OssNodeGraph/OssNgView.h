@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssNgEdge.h"
 #include "OssNodeGraphExport.h"
 
 #include <QElapsedTimer>
