@@ -220,7 +220,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::createNodes(const QString &pathKey, int
     OssShaderNetworkManager *manager = OssShaderNetworkManager::instance();
     for (int i = 0; i < count; ++i) {
         QString error;
-        OssSnBaseNode *node = manager->instantiateNode(pathKey, &error);
+        OssSnBaseNode *node = manager->instantiateNode(pathKey, &error, false, this);
         if (!node) {
             OSS_DEBUG("[ !! ] Cannot create node '%s': %s", qPrintable(pathKey), qPrintable(error));
             break;
@@ -276,7 +276,10 @@ OssSnBaseNode *OssShaderNetwork::createMultiChannelMergeNode(OssSnBaseNode *sour
 
 bool OssShaderNetwork::insertNode(OssSnBaseNode *node, bool undoable)
 {
-    if (!node || node->network())
+    // A node made for this network is its child already; one of another network is refused.
+    if (!node || containsNode(node) || (node->network() && node->network() != this))
+        return false;
+    if (node->network() && node->network()->containsNode(node))
         return false;
     node->setNameDirect(generateUniqueNodeName(
         node->name().isEmpty() ? node->pathKey().section(QLatin1Char('/'), -1) : node->name()));
@@ -384,10 +387,11 @@ int OssShaderNetwork::takeNodeDirect(OssSnBaseNode *node)
 
 void OssShaderNetwork::nodeRenamed(OssSnBaseNode *node, const QString &oldName)
 {
-    if (m_byName.value(oldName) == node) {
-        m_byName.remove(oldName);
-        releaseName(oldName);
-    }
+    // Nodes made for this network but not inserted yet are not looked up by name.
+    if (m_byName.value(oldName) != node)
+        return;
+    m_byName.remove(oldName);
+    releaseName(oldName);
     m_byName.insert(node->name(), node);
 }
 
@@ -476,11 +480,11 @@ OssSerializableObject *OssShaderNetwork::onLoadSubObject(OssDeserializer &deseri
     const QString pathKey = deserializer.currentAttributes().value(QStringLiteral("pathKey"));
     QString error;
     OssSnBaseNode *node =
-        OssShaderNetworkManager::instance()->instantiateNode(pathKey, &error, true);
+        OssShaderNetworkManager::instance()->instantiateNode(pathKey, &error, true, this);
     if (!node) {
         // Keep the node's saved ports, attributes and connections in a node of its saved
         // class, so that nothing in the file is lost.
-        node = OssShaderNetworkManager::instance()->instantiateNodeOfClass(type);
+        node = OssShaderNetworkManager::instance()->instantiateNodeOfClass(type, this);
         node->setPathKey(pathKey);
         m_loadWarnings.append(
             QStringLiteral("node type '%1' is not installed: %2").arg(pathKey, error));

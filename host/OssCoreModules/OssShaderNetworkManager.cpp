@@ -100,14 +100,17 @@ QString OssShaderNetworkManager::versionDatePresent(const QString &uuid) const
     return OssSnNodeTypeCatalogue::instance()->dateForVersionUuid(uuid);
 }
 
-OssSnBaseNode *OssShaderNetworkManager::instantiateNodeOfClass(const QString &className)
+OssSnBaseNode *OssShaderNetworkManager::instantiateNodeOfClass(const QString &className,
+                                                               OssShaderNetwork *network)
 {
     const NodeMaker maker = nodeMakers().value(className);
-    return maker ? maker() : new OssSnBaseNode;
+    OssSnBaseNode *node = maker ? maker() : new OssSnBaseNode;
+    node->setParent(network);
+    return node;
 }
 
 OssSnBaseNode *OssShaderNetworkManager::instantiateNode(const QString &pathKey, QString *error,
-                                                        bool forLoading)
+                                                        bool forLoading, OssShaderNetwork *network)
 {
     const OssSnNodeType *type = OssSnNodeTypeCatalogue::instance()->type(pathKey);
     if (!type) {
@@ -123,6 +126,7 @@ OssSnBaseNode *OssShaderNetworkManager::instantiateNode(const QString &pathKey, 
         return nullptr;
     }
     OssSnBaseNode *node = maker();
+    node->setParent(network);
     node->applyType(*type);
     node->setNameDirect(pathKey.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty));
     for (auto it = m_loaders.cbegin(); it != m_loaders.cend(); ++it) {
@@ -149,13 +153,13 @@ void OssShaderNetworkManager::populateGroup(OssSnGroupNode *group)
     const QStringList inputs = group->inputNames();
     const QStringList outputs = group->outputPointNames();
     for (const QString &input : inputs) {
-        if (OssSnBaseNode *node = instantiateNode(groupInputKey)) {
+        if (OssSnBaseNode *node = instantiateNode(groupInputKey, nullptr, false, inner)) {
             node->setNameDirect(input);
             inner->addNodeDirect(node);
         }
     }
     for (const QString &output : outputs) {
-        if (OssSnBaseNode *node = instantiateNode(groupOutputKey)) {
+        if (OssSnBaseNode *node = instantiateNode(groupOutputKey, nullptr, false, inner)) {
             node->setNameDirect(output);
             inner->addNodeDirect(node);
         }
@@ -287,7 +291,7 @@ OssSnBaseNode *OssShaderNetworkManager::convertNodeToKeyPath(OssSnBaseNode *node
     if (!network)
         return nullptr;
     QString error;
-    OssSnBaseNode *replacement = instantiateNode(pathKey, &error);
+    OssSnBaseNode *replacement = instantiateNode(pathKey, &error, false, network);
     if (!replacement) {
         OSS_DEBUG("[ !! ] Cannot convert node '%s': %s", qPrintable(node->path()),
                   qPrintable(error));

@@ -42,10 +42,13 @@ public:
     // get their subnetwork with one input node per input and one output node per output
     // unless ForLoading (a file then brings the subnetwork). Null with a reason for an unknown
     // key or class.
+    // The node is made a child of Network (when given) before its contexts are loaded, so that
+    // they know where it will live; it joins the network's nodes only when inserted.
     OssSnBaseNode *instantiateNode(const QString &pathKey, QString *error = nullptr,
-                                   bool forLoading = false);
+                                   bool forLoading = false, OssShaderNetwork *network = nullptr);
     // A bare node of a class name (OssSnBaseNode for an unknown class), without type.
-    OssSnBaseNode *instantiateNodeOfClass(const QString &className);
+    OssSnBaseNode *instantiateNodeOfClass(const QString &className,
+                                          OssShaderNetwork *network = nullptr);
 
     // --- contexts
     void registerContextLoader(const QString &name, OssShaderNetworkContextLoader *loader);

@@ -1,0 +1,3 @@
+#include "OssShaderNetworkHolder.h"
+
+OssShaderNetworkHolder::~OssShaderNetworkHolder() = default;
