@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+class OssShaderNetworkView;
+
 // The plug-in object: the host's entry into the node-graph view of shader networks.
 class OssShaderNetworkNodeGraphViewContextPlugin : public QObject, public OssPluginInterface
 {
@@ -21,4 +23,11 @@ public:
     QString authorName() const override;
     QString legalNotice() const override;
     int version() const override;
+
+private slots:
+    void createNodeCreationActions();
+    void createNodeFromAction();
+
+private:
+    OssShaderNetworkView *currentShaderNetworkView();
 };

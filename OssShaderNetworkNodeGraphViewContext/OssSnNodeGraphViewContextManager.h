@@ -2,7 +2,24 @@
 
 #include "OssSerializableObject.h"
 
+#include <OssShaderNetworkManager.h>
+
+#include <QColor>
+#include <QHash>
+#include <QMap>
+#include <QPointer>
+#include <QRectF>
 #include <QStringList>
+
+class OssChannel;
+class OssProject;
+class OssShaderNetwork;
+class OssShaderNetworkView;
+class OssSnBaseNode;
+class OssSnGroupNode;
+class OssSnNodeGraphViewContextLoader;
+class OssSnNodeGraphWidget;
+class QGraphicsScene;
 
 // The one process-wide object that ties the node graph to the host: scenes per network, the two
 // palettes, the host's network, node and project signals, and the node-graph preferences.
@@ -61,6 +78,22 @@ public:
 
     static OssSnNodeGraphViewContextManager *instance();
     ~OssSnNodeGraphViewContextManager() override;
+
+    // The current node graph view, or null when the tab widget is gone.
+    OssShaderNetworkView *currentView() const;
+    OssSnNodeGraphWidget *nodeGraphWidget() const;
+    QWidget *nodePropertiesWidget() const;
+    void registerGroupNetwork(OssShaderNetwork *network, OssSnGroupNode *group);
+    OssSnGroupNode *groupNodeOfNetwork(OssShaderNetwork *network) const;
+    // The scene of a network, made on first need; null for a null network.
+    QGraphicsScene *sceneForNetwork(OssShaderNetwork *network);
+    bool hasScene(OssShaderNetwork *network) const { return m_scenes.contains(network); }
+    int sceneCount() const { return m_scenes.size(); }
+    QRectF viewRect(OssShaderNetwork *network) const { return m_viewRects.value(network); }
+    // Binds a view to a network, restoring the part of the graph it showed last time.
+    void showNetworkInView(OssShaderNetwork *network, OssShaderNetworkView *view);
+    // An input or output node inside a group moved: the group's ports follow its order.
+    void groupInputOutputMoved(OssSnGroupNode *group, OssSnBaseNode *node, bool input);
 
     QString prettyPropertyName(const QString &Name) const override;
 
@@ -139,6 +172,37 @@ public slots:
     // Every node's view context re-applies its port visibility.
     void updatePortVisibility();
 
+    void onCurrentShaderNetworkChanged(OssShaderNetwork *Network);
+    void onShaderNetworkAdded(OssShaderNetwork *Network);
+    void focusOnNode(OssSnBaseNode *Node);
+    void matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To);
+    void onAfterShaderNetworkEndCollection(OssShaderNetwork *Network);
+    void showNodePropertiesAtPositionEnd(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
+    void showNodePropertiesAtPositionBegin(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
+    void showNodeProperties(OssSnBaseNode *Node);
+    void beautifyNodesLayout(OssShaderNetwork *Network);
+    void beautifyNodesLayout(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes);
+    void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    void reorderGroupInputsByPos(OssSnGroupNode *Group);
+    void reorderGroupOutputsByPos(OssSnGroupNode *Group);
+    void arrangeGroupInputNodesByOrder(OssShaderNetwork *Network, QStringList Order);
+    void onDebugNodesChanged(OssDebugNodeColours rNewNodes, OssDebugInputColours rNewInputs,
+                             OssDebugNodeColours rOldNodes, OssDebugInputColours rOldInputs);
+    void highlightCurrentImageSetNode(OssChannel *pImageSet);
+    void onProjectClosing();
+    void onProjectOpenCompleted();
+    void onProjectMadeCurrentUpgradeOldBadBackdrops(OssProject *Project);
+    void onShaderNetworkDestroyed(QObject *Obj);
+    void onNetworkDestroyed(QObject *Obj);
+    void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
+    void onNodeCollapsedModeChanged();
+    void showPropertiesPalette();
+    void showNodeGraphPalette();
+    void initialiseNodeGraphPalette();
+    void initialiseNodePropertiesPalette();
+
 signals:
     void controlTypeChanged(QString Value);
     void defaultNodePortDisplayModeChanged(QString Mode);
@@ -157,6 +221,14 @@ signals:
 private:
     OssSnNodeGraphViewContextManager();
     void registerPreferences();
+    void connectToHost();
+
+    QHash<OssShaderNetwork *, QGraphicsScene *> m_scenes;
+    QHash<OssShaderNetwork *, QPointer<OssSnGroupNode>> m_groupNodes;
+    QHash<OssShaderNetwork *, QRectF> m_viewRects;
+    QPointer<OssSnNodeGraphWidget> m_nodeGraphWidget;
+    QPointer<QWidget> m_nodePropertiesWidget;
+    OssSnNodeGraphViewContextLoader *m_loader = nullptr;
 
     int m_portDisplayIndex = ShowPortList;
     bool m_isAutoInsertOn = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCoreModulesExport.h"
+#include "OssShaderNetwork.h"
 #include "OssSnBaseNode.h"
 
 #include <QColor>

@@ -27,6 +27,16 @@ OssNgEdge::~OssNgEdge()
         m_target->edgeDetached(this);
 }
 
+OssNgNode *OssNgEdge::sourceNode() const
+{
+    return m_source.data();
+}
+
+OssNgNode *OssNgEdge::targetNode() const
+{
+    return m_target.data();
+}
+
 void OssNgEdge::setSource(OssNgNode *source, const QString &outputPoint)
 {
     if (m_source == source && m_outputPoint == outputPoint)

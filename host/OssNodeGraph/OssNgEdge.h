@@ -32,11 +32,11 @@ public:
     int type() const override { return Type; }
     Kind kind() const { return m_kind; }
 
-    OssNgNode *sourceNode() const { return m_source; }
-    OssNgNode *targetNode() const { return m_target; }
+    OssNgNode *sourceNode() const;
+    OssNgNode *targetNode() const;
     QString outputPoint() const { return m_outputPoint; }
     QString inputName() const { return m_inputName; }
-    bool isFullConnected() const { return m_source && m_target; }
+    bool isFullConnected() const { return !m_source.isNull() && !m_target.isNull(); }
 
     // Attaches the source end to a node's output point, or detaches it (null).
     void setSource(OssNgNode *source, const QString &outputPoint);

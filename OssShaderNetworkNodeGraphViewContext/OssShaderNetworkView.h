@@ -1,0 +1,87 @@
+#pragma once
+
+#include <OssNgView.h>
+#include <OssShaderNetworkHolder.h>
+
+#include <QMap>
+#include <QPointF>
+
+class OssNgEdge;
+class OssNgNode;
+class OssShaderNetwork;
+class OssSnBaseNode;
+class QAction;
+
+// The node-graph editor of one shader network (root level or a group's subgraph): a view on
+// the scene holding the GUI nodes of that network.
+class OssShaderNetworkView : public OssNgView, public OssShaderNetworkHolder
+{
+    Q_OBJECT
+public:
+    explicit OssShaderNetworkView(QWidget *parent = nullptr);
+    ~OssShaderNetworkView() override;
+
+    OssShaderNetwork *network() const override { return m_network; }
+    void setNetwork(OssShaderNetwork *network) override;
+    bool autoInsertEnabled() const override;
+
+    // --- placement (scene positions of GUI nodes' top-left corners)
+    void placeNode(OssSnBaseNode *node);
+    void relocateNodeBeside(OssNgNode *guiNode, OssNgNode *otherGuiNode);
+    void positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference, const QPointF &offset);
+    void positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *reference, int factor);
+    void positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference);
+    void positionNodeAtFreeSpot(OssSnBaseNode *node);
+    void positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference, int column, int row,
+                            bool freshCoordinates);
+    void positionNodeBesideReference(OssSnBaseNode *node, OssSnBaseNode *reference);
+    void syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container, OssSnBaseNode *reference,
+                            OssSnBaseNode *referenceContainer);
+    void uniformariseContainers(const QList<OssSnBaseNode *> &containers);
+
+    // --- commands
+    // Creates a node of the path key kept in the action's data, beside the selection or at the
+    // cursor, as one undo step.
+    OssSnBaseNode *createNodeFromAction(QAction *action);
+    OssSnBaseNode *createNodeAt(const QString &pathKey, const QPointF &scenePos);
+    void deactivateDotableMode();
+    // Puts a new dot node into an edge (the caller holds the undo macro).
+    OssSnBaseNode *insertDotIntoEdge(OssNgEdge *edge);
+    // Connects a node's preferred output to the viewer's input Number and shows it there.
+    bool connectToViewer(OssSnBaseNode *node, int number);
+
+public slots:
+    void frameNodes(bool EntireScene);
+    void frameNodes() { frameNodes(true); }
+    void frameSelectedNodes();
+    void fitToViewAction();
+    void ensureIsVisibleAction();
+
+    void onZoomToChanged();
+    void allowViewUpdateChanged(bool AllowViewUpdate);
+    void onProjectClosed();
+    void setNavigationControlType(QString ControlType);
+    void onShakeToExtractEnabledChanged(bool Enabled);
+    void onShakeToExtractShakesChanged(int Shakes);
+    void onShakeToExtractTimeChanged(int Time);
+    void onShakeToExtractTriggered();
+
+protected slots:
+    void deferredConnectToViewContextManager();
+
+signals:
+    void nodeDoubleClicked(OssSnBaseNode *node);
+    void nodeAdded(OssSnBaseNode *Node);
+    void nodeRemoved(OssSnBaseNode *Node);
+
+protected:
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    QRectF selectionBounds(int *count = nullptr) const;
+    void applyZoomAnchor();
+    void recordMoves(const QList<OssNgNode *> &nodes);
+
+    OssShaderNetwork *m_network = nullptr;
+    QMap<OssNgNode *, QPointF> m_nodeStartPositions;
+};

@@ -1,0 +1,994 @@
+#include "OssSnNodeGraphViewContext.h"
+
+#include "OssShaderNetworkView.h"
+#include "OssSnNodeGraphViewContextManager.h"
+#include "OssSnNodeGraphWidget.h"
+#include "ZelGLTextureToken.h"
+
+#include <OssColor.h>
+#include <OssDebug.h>
+#include <OssLayers.h>
+#include <OssNgBackdropNode.h>
+#include <OssNgEdge.h>
+#include <OssNgStyle.h>
+#include <OssNgUndo.h>
+#include <OssProject.h>
+#include <OssResourceInfo.h>
+#include <OssSerializer.h>
+#include <OssShaderNetwork.h>
+#include <OssShaderNetworkUtils.h>
+#include <OssSnGroupNode.h>
+#include <OssSnSpecialNodes.h>
+#include <OssUndoManager.h>
+
+#include <QGraphicsScene>
+#include <QPixmap>
+
+// Keeps the renderer's texture cache alive while the plug-in is loaded.
+static const ZelGLTextureToken s_textureToken;
+
+namespace {
+
+const QString ContextName = QStringLiteral("NodeGraphView");
+
+QColor colourFrom(const QString &text)
+{
+    QColor colour;
+    if (text.isEmpty())
+        return colour;
+    const OssColor parsed = OssColor::fromString(text);
+    colour.setRgbF(parsed.red(), parsed.green(), parsed.blue(), parsed.alpha());
+    return colour;
+}
+
+// The GUI node owned by a context: a scene may delete it first (when it closes with the
+// project); the guard then keeps the context from deleting it again.
+QSharedPointer<OssNgNode> ownGuiNode(OssNgNode *node)
+{
+    QPointer<OssNgNode> guard(node);
+    return QSharedPointer<OssNgNode>(node, [guard](OssNgNode *) {
+        if (guard) {
+            guard->setParent(nullptr);
+            guard->dispose();
+            delete guard.data();
+        }
+    });
+}
+
+} // namespace
+
+OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withGui)
+    : OssSnBaseContext(qobject_cast<OssSnBaseNode *>(parent))
+{
+    if (!parent)
+        return;
+    m_portListMode =
+        OssSnNodeGraphViewContextManager::instance()->defaultNodePortDisplayModeAsEnum() == 1 ? 1
+                                                                                              : 0;
+    if (withGui)
+        adoptGuiNode(createGuiNode());
+}
+
+OssSnNodeGraphViewContext::~OssSnNodeGraphViewContext()
+{
+    // Gives the GUI node up: it leaves the scene and the business node.
+    m_GuiNode.reset();
+}
+
+OssSnNodeGraphViewContext *OssSnNodeGraphViewContext::of(const OssSnBaseNode *node)
+{
+    return node ? qobject_cast<OssSnNodeGraphViewContext *>(node->context(ContextName)) : nullptr;
+}
+
+OssNgNode *OssSnNodeGraphViewContext::guiNodeOf(const OssSnBaseNode *node)
+{
+    const OssSnNodeGraphViewContext *context = of(node);
+    return context ? context->guiItem() : nullptr;
+}
+
+OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const
+{
+    return qobject_cast<OssNgExtendedNode *>(m_GuiNode.data());
+}
+
+QObject *OssSnNodeGraphViewContext::guiNode() const
+{
+    return m_GuiNode.data();
+}
+
+OssNgNode *OssSnNodeGraphViewContext::createGuiNode()
+{
+    OssSnBaseNode *node = parentNode();
+    if (!node || !OssSnNodeGraphViewContextManager::instance()->sceneForNetwork(node->network()))
+        return nullptr;
+    auto *gui = new OssNgExtendedNode;
+    gui->setMark(OssNgExtendedNode::SystemShaderMark,
+                 OssLayerShaderManager::isSystemShaderNode(node, true));
+    gui->setMark(OssNgExtendedNode::FirstStateMark, false);
+    gui->setMark(OssNgExtendedNode::CachedMark, node->cacheActive() == 2);
+    gui->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
+    gui->setMark(OssNgExtendedNode::ExtraMark1, false);
+    gui->setMark(OssNgExtendedNode::ExtraMark2, false);
+    return gui;
+}
+
+void OssSnNodeGraphViewContext::adoptGuiNode(OssNgNode *gui)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!gui || !node)
+        return;
+    m_GuiNode = ownGuiNode(gui);
+    gui->setParent(node);
+    gui->setText(node->name());
+    gui->setToolTip(node->description());
+    if (QGraphicsScene *scene =
+            OssSnNodeGraphViewContextManager::instance()->sceneForNetwork(node->network()))
+        scene->addItem(gui);
+}
+
+// --- port-list mode
+
+OssNgExtendedNode::PortListMode OssSnNodeGraphViewContext::portListMode() const
+{
+    return OssNgExtendedNode::PortListMode(portListModeAsInt());
+}
+
+int OssSnNodeGraphViewContext::portListModeAsInt() const
+{
+    if (const OssNgExtendedNode *gui = extendedNode())
+        return gui->portListModeAsInt();
+    return m_portListMode;
+}
+
+void OssSnNodeGraphViewContext::setPortListMode(OssNgExtendedNode::PortListMode mode)
+{
+    if (int(mode) == portListModeAsInt()) {
+        m_portListMode = mode;
+        return;
+    }
+    m_portListMode = mode;
+    if (OssNgExtendedNode *gui = extendedNode())
+        gui->setPortListMode(mode);
+    emit portListModeChanged(mode);
+}
+
+void OssSnNodeGraphViewContext::setPortListMode(int mode)
+{
+    if (mode >= 0 && mode <= 4)
+        setPortListMode(OssNgExtendedNode::PortListMode(mode));
+}
+
+void OssSnNodeGraphViewContext::resetPortListMode()
+{
+    setPortListMode(0);
+}
+
+void OssSnNodeGraphViewContext::setPortListMode(
+    OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState state)
+{
+    switch (int(state)) {
+    case 0:
+        setPortListMode(0);
+        break;
+    case 2:
+        setPortListMode(3);
+        break;
+    case 3:
+        setPortListMode(4);
+        break;
+    default:
+        setPortListMode(2);
+        break;
+    }
+}
+
+QPointF OssSnNodeGraphViewContext::nodePosition() const
+{
+    return m_GuiNode ? m_GuiNode->pos() : QPointF();
+}
+
+QSizeF OssSnNodeGraphViewContext::nodeSize() const
+{
+    return m_GuiNode ? m_GuiNode->boundingRect().size() : QSizeF();
+}
+
+// --- initialisation
+
+void OssSnNodeGraphViewContext::applyColours()
+{
+    if (!m_GuiNode)
+        return;
+    m_GuiNode->setShapeType(m_shapeType);
+    m_GuiNode->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
+}
+
+void OssSnNodeGraphViewContext::buildPorts()
+{
+    OssSnBaseNode *node = parentNode();
+    OssNgNode *gui = m_GuiNode.data();
+    if (!node || !gui)
+        return;
+    for (const InputDescriptor &input : inputs())
+        gui->addInputPort(input.name, input.preferred, input.setAtLoad, input.tags);
+    for (const QString &output : node->outputPointNames())
+        gui->addOutputPort(output, !node->outputPortsHidden());
+    if (OssNgExtendedNode *extended = extendedNode()) {
+        extended->setPortListModeFromInt(m_portListMode);
+        extended->setMultiChannelModesAllowed(qobject_cast<OssSnMultiChannelGroupNode *>(node) ||
+                                              node->hasTag(QStringLiteral("_shader")));
+    }
+}
+
+void OssSnNodeGraphViewContext::initializeGui()
+{
+    OssSnBaseNode *node = parentNode();
+    OssNgNode *gui = m_GuiNode.data();
+    if (!gui || !node)
+        return;
+    connect(node, SIGNAL(selectedChanged(bool)), this, SLOT(selectGuiNode(bool)));
+    applySelection(node->selected());
+    connect(node, SIGNAL(viewerNodeCurrentEdgeChanged(int)), this,
+            SLOT(onViewerNodeCurrentEdgeChanged(int)));
+
+    applyColours();
+    if (OssNgExtendedNode *extended = extendedNode()) {
+        const QString key = node->pathKey();
+        const QString first = key.section(QLatin1Char('/'), 0, 0);
+        QString category = first;
+        if (first == QLatin1String("Channel Input"))
+            category = QStringLiteral("Paint");
+        else if (first == QLatin1String("Teleport Broadcast"))
+            category = QStringLiteral("TeleportBroadcast");
+        else if (first == QLatin1String("Teleport Receiver"))
+            category = QStringLiteral("TeleportReceiver");
+        extended->setCategory(key.isEmpty() ? QString() : category);
+        extended->setText(node->name());
+        if (!m_pixmapPath.isEmpty()) {
+            const QPixmap pixmap(OssResourceInfo::instance()->iconPath() + QLatin1Char('/') +
+                                 m_pixmapPath);
+            if (!pixmap.isNull())
+                extended->setPixmap(pixmap, m_pixmapOffset);
+        }
+    }
+    updateDescriptiveNames();
+    gui->setConnectionTextPositions(m_inputTextPositions, m_outputTextPositions);
+    if (m_inputPositions.isEmpty())
+        m_inputPositions = m_inputNodeInitialPos;
+    if (m_outputPositions.isEmpty())
+        m_outputPositions = m_outputNodeInitialPos;
+    gui->setConnectionPositions(m_inputPositions, m_outputPositions);
+    buildPorts();
+
+    // Wiring: every change of the business node reaches the GUI node.
+    const struct
+    {
+        const char *signal;
+        const char *slot;
+    } wiring[] = {
+        {SIGNAL(nameChanged(QString)), SLOT(setText(QString))},
+        {SIGNAL(descriptionChanged(QString)), SLOT(setToolTip(QString))},
+        {SIGNAL(enabledChanged(int)), SLOT(updateGuiEdgesBypassStates())},
+        {SIGNAL(cacheActiveChanged(OssSnBaseNodeCacheActiveState)), SLOT(cachedChanged())},
+        {SIGNAL(inputNodeChanged(QString, OssSnBaseNode *, QString)),
+         SLOT(onParentNodeInputChange(QString, OssSnBaseNode *, QString))},
+        {SIGNAL(outputNodeDetached(QString)), SLOT(onParentNodeDetachOutput(QString))},
+        {SIGNAL(inputAdded(QString)), SLOT(onParentNodeInputAdded(QString))},
+        {SIGNAL(inputListAdded(QStringList)), SLOT(onParentNodeInputListAdded(QStringList))},
+        {SIGNAL(inputsRefreshed()), SLOT(onParentNodeInputsRefreshed())},
+        {SIGNAL(outputsRefreshed()), SLOT(onParentNodeOutputsRefreshed())},
+        {SIGNAL(inputOrderChanged(QStringList)), SLOT(onParentNodeInputListAdded(QStringList))},
+        {SIGNAL(nodeInputRenamed(QString, QString)),
+         SLOT(onParentNodeInputRenamed(QString, QString))},
+        {SIGNAL(inputRemoved(QString)), SLOT(onParentNodeInputRemoved(QString))},
+        {SIGNAL(inputEnabledChanged(QString, bool)), SLOT(onInputEnabledChanged(QString, bool))},
+        {SIGNAL(outputPointAdded(QString)), SLOT(onParentNodeOutputPointAdded(QString))},
+        {SIGNAL(outputPointRemoved(QString)), SLOT(onParentNodeOutputPointRemoved(QString))},
+        {SIGNAL(outputPointUsed(QString)), SLOT(onParentNodeOutputPointUsed(QString))},
+        {SIGNAL(outputPointFreed(QString)), SLOT(onParentNodeOutputPointFreed(QString))},
+        {SIGNAL(outputPointRenamed(QString, QString)),
+         SLOT(onParentNodeOutputPointRenamed(QString, QString))},
+        {SIGNAL(guiActiveChanged(bool)), SLOT(onParentNodeGuiActiveChanged(bool))},
+        {SIGNAL(shaderModelChanged()), SLOT(updateDescriptiveNames())},
+        {SIGNAL(emitSetLayout(OssSnBaseNode::NodeLayoutType, OssSnBaseNode *, bool, bool)),
+         SLOT(onSetLayout(OssSnBaseNode::NodeLayoutType, OssSnBaseNode *, bool, bool))},
+        {SIGNAL(nodePositionedManual(OssSnBaseNode *, QPointF)),
+         SLOT(onNodePositionedManual(OssSnBaseNode *, QPointF))},
+        {SIGNAL(nodePositionedUnderneath(OssSnBaseNode *, int)),
+         SLOT(onNodePositionedUnderneath(OssSnBaseNode *, int))},
+        {SIGNAL(nodePositionedNextTo(OssSnBaseNode *)),
+         SLOT(onNodePositionedNextTo(OssSnBaseNode *))},
+        {SIGNAL(nodeSyncedUnderneathNode(OssSnBaseNode *, bool)),
+         SLOT(onNodeSyncedUnderneathNode(OssSnBaseNode *, bool))},
+        {SIGNAL(nodePositionedOnTopIdented(OssSnBaseNode *)),
+         SLOT(onNodePositionedOnTopIdented(OssSnBaseNode *))},
+        {SIGNAL(uniformariseContainers(QList<OssSnBaseNode *>)),
+         SLOT(onUniformariseContainers(QList<OssSnBaseNode *>))},
+    };
+    for (const auto &entry : wiring)
+        if (!connect(node, entry.signal, this, entry.slot))
+            OSS_DEBUG("[ !! ] Cannot connect %s to %s", entry.signal, entry.slot);
+    if (OssNgExtendedNode *extended = extendedNode())
+        connect(extended, &OssNgExtendedNode::nodePortListModeChanged, this,
+                qOverload<int>(&OssSnNodeGraphViewContext::setPortListMode));
+    connect(gui, &OssNgNode::inputSourceChanged, this,
+            &OssSnNodeGraphViewContext::onGuiNodeInputChange);
+    connect(gui, &OssNgNode::posChanged, this, &OssSnNodeGraphViewContext::onGuiNodePosChanged);
+    connect(gui, &OssNgNode::clickedOnDotableMarkerOnEdge, this,
+            &OssSnNodeGraphViewContext::onDotableMarkerClicked);
+    const struct
+    {
+        const char *signal;
+        const char *slot;
+    } more[] = {
+        {SIGNAL(inputConnectionIsShared(QString)), SLOT(onParentInputIsShared(QString))},
+        {SIGNAL(systemShaderStatusSync()), SLOT(onUpdateSystemShaderStatus())},
+        {SIGNAL(attachViewerToNode(int)), SLOT(onViewerAttachedToNode(int))},
+        {SIGNAL(viewerNodeRequestUpdateVirtualEdge()), SLOT(updateViewerNodeVirtualEdge())},
+        {SIGNAL(newNodeAdded()), SLOT(placeNode())},
+        {SIGNAL(newNodeAdded()), SLOT(onNewNodeAdded())},
+        {SIGNAL(gotoNode()), SLOT(gotoNode())},
+    };
+    for (const auto &entry : more)
+        if (!connect(node, entry.signal, this, entry.slot))
+            OSS_DEBUG("[ !! ] Cannot connect %s to %s", entry.signal, entry.slot);
+    connect(OssNgStyle::instance(), &OssNgStyle::colorsUpdated, this,
+            &OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed);
+    m_wired = true;
+
+    // Edges of connections made before the GUI existed, then their marks.
+    for (const QString &input : node->inputNames())
+        if (OssSnBaseNode *source = node->inputConnection(input))
+            onParentNodeInputChange(input, source, node->inputOutputPoint(input));
+    for (const OssSnOutputLink &link : node->outputLinks())
+        if (link.target)
+            if (OssSnNodeGraphViewContext *target = of(link.target))
+                target->onParentNodeInputChange(link.input, node, link.outputPoint);
+    updateGuiEdgesBypassStates();
+    for (const QString &shared : node->sharedInputs())
+        onParentInputIsShared(shared);
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->refresh();
+    if (node->hasTag(QStringLiteral("_viewer")) && node->network())
+        onViewerNodeCurrentEdgeChanged(node->network()->rootNetwork()->viewerNodeCurrentEdge());
+    connect(gui, &OssNgNode::hoveredChanged, this,
+            [this](bool hovered) { onHoveredChanged(hovered); });
+}
+
+// --- host virtuals
+
+bool OssSnNodeGraphViewContext::saveObjects(OssSerializer &serializer)
+{
+    if (m_GuiNode && !m_GuiNode->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
+        return false;
+    serializer.beginCollection(QStringLiteral("m_inputNodeInitialPos"),
+                               m_inputNodeInitialPos.size(), QStringLiteral("QHash"),
+                               QStringLiteral("QString"),
+                               OssSnInitialPositions::toAttributes(m_inputNodeInitialPos));
+    serializer.endCollection();
+    serializer.beginCollection(QStringLiteral("m_outputNodeInitialPos"),
+                               m_outputNodeInitialPos.size(), QStringLiteral("QHash"),
+                               QStringLiteral("QString"),
+                               OssSnInitialPositions::toAttributes(m_outputNodeInitialPos));
+    serializer.endCollection();
+    return OssSnBaseContext::saveObjects(serializer);
+}
+
+OssSerializableObject *OssSnNodeGraphViewContext::onLoadSubObject(OssDeserializer &deserializer,
+                                                                  const QString &name,
+                                                                  const QString &type)
+{
+    if (name == QLatin1String("m_GuiNode"))
+        return m_GuiNode ? m_GuiNode->state() : nullptr;
+    return OssSnBaseContext::onLoadSubObject(deserializer, name, type);
+}
+
+void OssSnNodeGraphViewContext::onLoadCollectionObject(const QString &name, const QString &type,
+                                                       const QString &elementType, int index,
+                                                       const OssStringMap &attributes)
+{
+    const OssStringMap copy = attributes;
+    OssSnBaseContext::onLoadCollectionObject(name, type, elementType, index, copy);
+}
+
+void OssSnNodeGraphViewContext::onEndCollection(const QString &name, const QString &type,
+                                                const QString &elementType)
+{
+    OssSnBaseContext::onEndCollection(name, type, elementType);
+}
+
+bool OssSnNodeGraphViewContext::onLoadCollection(const QString &name, const QString &type,
+                                                 const QString &elementType, int count,
+                                                 const OssStringMap &attributes)
+{
+    if (name == QLatin1String("m_inputNodeInitialPos"))
+        OssSnInitialPositions::readAttributes(attributes, m_inputNodeInitialPos);
+    else if (name == QLatin1String("m_outputNodeInitialPos"))
+        OssSnInitialPositions::readAttributes(attributes, m_outputNodeInitialPos);
+    return OssSnBaseContext::onLoadCollection(name, type, elementType, count, attributes);
+}
+
+bool OssSnNodeGraphViewContext::attributeIsStub(const QString &name, bool flag) const
+{
+    return OssSnBaseContext::attributeIsStub(name, flag);
+}
+
+QString OssSnNodeGraphViewContext::versionHashSource() const
+{
+    const OssSnBaseNode *node = parentNode();
+    if (!node) {
+        OSS_DEBUG("ParentNode is NULL");
+        return QString();
+    }
+    QString text;
+    if (!qobject_cast<const OssSnCustomProceduralNode *>(node)) {
+        text += QStringLiteral("InputInitialPositions\n%1\n")
+                    .arg(OssSnInitialPositions::dump(m_inputNodeInitialPos));
+        text += QStringLiteral("OutputInitialPositions\n%1\n")
+                    .arg(OssSnInitialPositions::dump(m_outputNodeInitialPos));
+        text += QStringLiteral("InputInitialTextPositions\n%1\n")
+                    .arg(OssSnInitialPositions::dump(m_inputTextPositions));
+        text += QStringLiteral("OutputInitialTextPositions\n%1\n")
+                    .arg(OssSnInitialPositions::dump(m_outputTextPositions));
+    }
+    text += QStringLiteral("ShapeType : %1\n").arg(m_shapeType);
+    text +=
+        QStringLiteral("ColorTop : %1, ColorBottom : %2\n").arg(m_nodeColorTop, m_nodeColorBottom);
+    return text + OssSnBaseContext::versionHashSource();
+}
+
+void OssSnNodeGraphViewContext::copyGuiStateFrom(OssSnBaseContext *other)
+{
+    auto *source = qobject_cast<OssSnNodeGraphViewContext *>(other);
+    if (!source)
+        return;
+    m_inputNodeInitialPos = source->m_inputNodeInitialPos;
+    m_outputNodeInitialPos = source->m_outputNodeInitialPos;
+    m_shapeType = source->m_shapeType;
+    m_nodeColorTop = source->m_nodeColorTop;
+    m_nodeColorBottom = source->m_nodeColorBottom;
+    onParentNodeInputsOutputsRefreshed();
+}
+
+void OssSnNodeGraphViewContext::copyGuiNodeStateFrom(OssSnBaseContext *other)
+{
+    auto *source = qobject_cast<OssSnNodeGraphViewContext *>(other);
+    if (!source) {
+        OSS_DEBUG("OtherView is NULL");
+        return;
+    }
+    if (m_GuiNode)
+        m_GuiNode->copyFrom(source->guiItem());
+}
+
+void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const QString &inputName,
+                                                    const QString &outputPointName)
+{
+    OssSnBaseNode *node = parentNode();
+    if (outputPointName.isEmpty()) {
+        OSS_DEBUG("output point name cannot be empty : %s", qPrintable(inputName));
+        return;
+    }
+    if (inputName.isEmpty()) {
+        OSS_DEBUG("input name cannot be empty : %s", qPrintable(outputPointName));
+        return;
+    }
+    OssShaderNetworkUtils::setInputNodeBatchConnectable(node, inputName, source, outputPointName,
+                                                        true, true, true, false);
+}
+
+void OssSnNodeGraphViewContext::applySelection(bool selected)
+{
+    OssSnBaseNode *node = parentNode();
+    if (m_GuiNode && m_GuiNode->isSelected() != selected)
+        m_GuiNode->setSelected(selected);
+    if (node && node->selected() != selected)
+        node->setSelected(selected);
+    if (!node || !selected || !node->hasTag(QStringLiteral("_viewer")))
+        return;
+    OssShaderNetwork *network = node->network();
+    if (!network) {
+        OSS_DEBUG("Network is NULL");
+        return;
+    }
+    OssShaderNetwork *root = network->rootNetwork();
+    if (!root) {
+        OSS_DEBUG("RootNetwork is NULL");
+        return;
+    }
+    onViewerNodeCurrentEdgeChanged(root->viewerNodeCurrentEdge());
+    emit network->nodeSelectionChanged();
+}
+
+void OssSnNodeGraphViewContext::refreshInputEdge(const QString &input)
+{
+    OssSnBaseNode *node = parentNode();
+    if (node)
+        onParentNodeInputChange(input, node->inputConnection(input), node->inputOutputPoint(input));
+}
+
+void OssSnNodeGraphViewContext::applyPortVisibility()
+{
+    if (OssNgExtendedNode *extended = extendedNode()) {
+        extended->setPortListModeFromInt(m_portListMode);
+        extended->refresh();
+    }
+}
+
+void OssSnNodeGraphViewContext::calculateEdgeMultipliers(QVector<int> &MultiplierList,
+                                                         int &MinMultiplier, int Count)
+{
+    if (Count <= 0)
+        return;
+    const int start = MultiplierList.size();
+    for (int i = 0; i < Count; ++i)
+        MultiplierList.append(0);
+    const int half = Count / 2;
+    for (int left = 0, right = Count - 1; left < right; ++left, --right) {
+        MultiplierList[start + left] = left - half;
+        MultiplierList[start + right] = half - (Count - 1 - right);
+    }
+    for (int i = start; i < MultiplierList.size(); ++i)
+        if (qAbs(MultiplierList.at(i)) < MinMultiplier)
+            MinMultiplier = qAbs(MultiplierList.at(i));
+}
+
+// --- slots reacting to the business node
+
+void OssSnNodeGraphViewContext::setText(QString text)
+{
+    if (!m_GuiNode)
+        return;
+    m_GuiNode->setText(text);
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->refresh();
+}
+
+void OssSnNodeGraphViewContext::setToolTip(QString text)
+{
+    if (m_GuiNode)
+        m_GuiNode->setToolTip(text);
+}
+
+void OssSnNodeGraphViewContext::updateGuiEdgesBypassStates()
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node)
+        return;
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
+    for (const QString &input : node->inputNames())
+        if (OssNgEdge *edge = m_GuiNode->input(input))
+            edge->setBypassed(!node->inputEnabled(input) || !node->enabledAsBool());
+}
+
+void OssSnNodeGraphViewContext::cachedChanged()
+{
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->setMark(OssNgExtendedNode::CachedMark, parentNode()->cacheActive() == 2);
+}
+
+void OssSnNodeGraphViewContext::onGuiNodeInputChange(OssNgNode *newInput, QString inputName,
+                                                     QString outputPointName)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!node)
+        return;
+    auto *source = newInput ? qobject_cast<OssSnBaseNode *>(newInput->parent()) : nullptr;
+    if (!newInput) {
+        // The user cut or dropped the edge: disconnect in the network.
+        OssUndoManager::AutoMacro macro(QStringLiteral("Disconnect %1").arg(inputName));
+        node->disconnectInput(inputName);
+        OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+        return;
+    }
+    connectInputFromGui(source, inputName, outputPointName);
+}
+
+void OssSnNodeGraphViewContext::onGuiNodePosChanged(QPointF)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!node || !node->network())
+        return;
+    const bool input = node->hasTag(QStringLiteral("_input"));
+    const bool output = node->hasTag(QStringLiteral("_output"));
+    if ((input || output) && node->network()->parentGroupNode())
+        OssSnNodeGraphViewContextManager::instance()->groupInputOutputMoved(
+            node->network()->parentGroupNode(), node, input);
+}
+
+void OssSnNodeGraphViewContext::onDotableMarkerClicked(OssNgEdge *edge)
+{
+    OssShaderNetworkView *view = currentView();
+    if (!view || !edge)
+        return;
+    OssUndoManager::AutoMacro macro(QStringLiteral("Add dot node in edge"));
+    view->insertDotIntoEdge(edge);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBaseNode *source,
+                                                        QString outputPoint)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node)
+        return;
+    OssNgNode *sourceGui = guiNodeOf(source);
+    if (source && sourceGui)
+        m_GuiNode->connectInput(input, sourceGui, outputPoint);
+    else
+        m_GuiNode->disconnectInput(input);
+    updateGuiEdgesBypassStates();
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->refresh();
+    if (node->hasTag(QStringLiteral("_viewer")) && input == QLatin1String("0")) {
+        updateViewerNodeVirtualEdge();
+        QString text = QStringLiteral("0");
+        if (source)
+            text = source->hasTag(QStringLiteral("_currentMaterialProxy"))
+                       ? QStringLiteral("0:Current Material")
+                       : QStringLiteral("0:%1").arg(source->name());
+        m_GuiNode->setInputPortText(QStringLiteral("0"), text);
+    }
+}
+
+void OssSnNodeGraphViewContext::onParentNodeDetachOutput(QString)
+{
+    // The target's context detaches the edge when its input changes; nothing to do here but
+    // keep the output's used mark right.
+    if (m_GuiNode)
+        m_GuiNode->update();
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node)
+        return;
+    m_GuiNode->addInputPort(input, input == node->preferredInput(), false, [&] {
+        const QStringList tags = node->inputTags(input);
+        return QSet<QString>(tags.begin(), tags.end());
+    }());
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputListAdded(QStringList inputs)
+{
+    if (!m_GuiNode)
+        return;
+    for (const QString &input : inputs)
+        onParentNodeInputAdded(input);
+    m_GuiNode->setInputPortOrder(parentNode()->inputNames());
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
+{
+    onParentNodeInputsRefreshed(true);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed(bool Adjust)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node)
+        return;
+    for (const QString &name : m_GuiNode->inputPortNames())
+        if (!node->hasInput(name))
+            m_GuiNode->removeInputPort(name);
+    for (const QString &name : node->inputNames())
+        if (!m_GuiNode->inputPort(name))
+            onParentNodeInputAdded(name);
+    m_GuiNode->setInputPortOrder(node->inputNames());
+    if (Adjust)
+        for (const QString &input : node->inputNames())
+            onParentNodeInputChange(input, node->inputConnection(input),
+                                    node->inputOutputPoint(input));
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed()
+{
+    onParentNodeOutputsRefreshed(true);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed(bool)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node)
+        return;
+    for (const QString &name : m_GuiNode->outputPortNames())
+        if (!node->hasOutputPoint(name))
+            m_GuiNode->removeOutputPort(name);
+    for (const QString &name : node->outputPointNames())
+        if (!m_GuiNode->outputPort(name))
+            m_GuiNode->addOutputPort(name, !node->outputPortsHidden());
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
+{
+    onParentNodeInputsRefreshed(true);
+    onParentNodeOutputsRefreshed(true);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputRenamed(QString oldName, QString newName)
+{
+    if (m_GuiNode)
+        m_GuiNode->renameInputPort(oldName, newName);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeInputRemoved(QString input)
+{
+    if (m_GuiNode)
+        m_GuiNode->removeInputPort(input);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputPointAdded(QString outputPoint)
+{
+    if (m_GuiNode)
+        m_GuiNode->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputPointRemoved(QString outputPoint)
+{
+    if (m_GuiNode)
+        m_GuiNode->removeOutputPort(outputPoint);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputPointUsed(QString outputPoint)
+{
+    if (m_GuiNode)
+        m_GuiNode->setOutputPortUsed(outputPoint, true);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputPointFreed(QString outputPoint)
+{
+    if (m_GuiNode)
+        m_GuiNode->setOutputPortUsed(outputPoint, false);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeOutputPointRenamed(QString oldName, QString newName)
+{
+    if (m_GuiNode)
+        m_GuiNode->renameOutputPort(oldName, newName);
+}
+
+void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
+{
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->setMark(OssNgExtendedNode::GuiActiveMark, active);
+}
+
+void OssSnNodeGraphViewContext::onParentInputIsShared(QString input)
+{
+    if (m_GuiNode)
+        if (OssNgEdge *edge = m_GuiNode->input(input))
+            edge->setShared(true);
+}
+
+void OssSnNodeGraphViewContext::onInputEnabledChanged(QString input, bool enabled)
+{
+    if (m_GuiNode)
+        if (OssNgEdge *edge = m_GuiNode->input(input))
+            edge->setBypassed(!enabled);
+}
+
+void OssSnNodeGraphViewContext::selectGuiNode(bool selected)
+{
+    applySelection(selected);
+}
+
+// --- placement
+
+OssShaderNetworkView *OssSnNodeGraphViewContext::currentView(bool logMissing) const
+{
+    OssShaderNetworkView *view = OssSnNodeGraphViewContextManager::instance()->currentView();
+    if (!view && logMissing)
+        OSS_DEBUG("[ !! ] Fatal error -> no view!");
+    return view;
+}
+
+void OssSnNodeGraphViewContext::onSetLayout(OssSnBaseNode::NodeLayoutType Type,
+                                            OssSnBaseNode *ReferenceNode, bool FreshCoordinates,
+                                            bool PreventOverlap)
+{
+    OssShaderNetworkView *view = currentView();
+    if (!view)
+        return;
+    OssSnBaseNode *node = parentNode();
+    const int type = int(Type);
+    if (type == 0) {
+        view->positionNodeAtFreeSpot(node);
+        return;
+    }
+    if (type == 9) {
+        view->positionNodeBesideReference(node, ReferenceNode);
+        return;
+    }
+    static const int normal[12][2] = {{0, 0}, {0, 1}, {2, 0},  {-1, 1}, {1, -1}, {0, 2},
+                                      {3, 0}, {2, 0}, {-1, 0}, {0, 0},  {0, 0},  {1, -1}};
+    static const int flipped[12][2] = {{0, 0}, {1, 0}, {0, 2},  {1, -1}, {-1, 1}, {2, 0},
+                                       {0, 3}, {0, 2}, {0, -1}, {0, 0},  {0, 0},  {-1, 0}};
+    const bool flip = portListModeAsInt() == 1;
+    int column = 0, row = 0;
+    if (type >= 1 && type <= 11) {
+        column = flip ? flipped[type][0] : normal[type][0];
+        row = flip ? flipped[type][1] : normal[type][1];
+    }
+    OSS_DEBUG("[ -- ] Positioning node '%s' wrt node '%s' at (%d, %d)", qPrintable(node->path()),
+              ReferenceNode ? qPrintable(ReferenceNode->path()) : "", column, row);
+    view->positionNodeOnGrid(node, ReferenceNode, column, row, FreshCoordinates);
+    if (PreventOverlap || type == 2)
+        view->placeNode(node);
+}
+
+void OssSnNodeGraphViewContext::onNodePositionedManual(OssSnBaseNode *ReferenceNode, QPointF Offset)
+{
+    if (OssShaderNetworkView *view = currentView())
+        view->positionNodeManual(parentNode(), ReferenceNode, Offset);
+}
+
+void OssSnNodeGraphViewContext::onNodePositionedUnderneath(OssSnBaseNode *ReferenceNode, int Factor)
+{
+    if (OssShaderNetworkView *view = currentView())
+        view->positionNodeUnderneath(parentNode(), ReferenceNode, Factor);
+}
+
+void OssSnNodeGraphViewContext::onNodePositionedNextTo(OssSnBaseNode *ReferenceNode)
+{
+    if (OssShaderNetworkView *view = currentView())
+        view->positionNodeNextTo(parentNode(), ReferenceNode);
+}
+
+void OssSnNodeGraphViewContext::onNodePositionedOnTopIdented(OssSnBaseNode *ReferenceNode)
+{
+    if (OssShaderNetworkView *view = currentView())
+        view->relocateNodeBeside(m_GuiNode.data(), guiNodeOf(ReferenceNode));
+}
+
+void OssSnNodeGraphViewContext::onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
+                                                           bool IgnoreContainerOfPreviousNode)
+{
+    OssShaderNetworkView *view = currentView();
+    if (!view)
+        return;
+    OssSnBaseNode *node = parentNode();
+    view->syncNodeUnderneath(
+        node, node->containerNode(), ReferenceNode,
+        IgnoreContainerOfPreviousNode || !ReferenceNode ? nullptr : ReferenceNode->containerNode());
+}
+
+void OssSnNodeGraphViewContext::onUniformariseContainers(QList<OssSnBaseNode *> LayerListNode)
+{
+    OssShaderNetworkView *view = currentView();
+    if (!view)
+        return;
+    OSS_DEBUG("[ -- ] About to uniformarise %d layer stack containers", LayerListNode.size());
+    view->uniformariseContainers(LayerListNode);
+}
+
+void OssSnNodeGraphViewContext::placeNode()
+{
+    if (OssShaderNetworkView *view = currentView())
+        view->placeNode(parentNode());
+}
+
+// --- marks, viewer, misc
+
+void OssSnNodeGraphViewContext::onUpdateSystemShaderStatus()
+{
+    if (OssNgExtendedNode *extended = extendedNode())
+        extended->setMark(OssNgExtendedNode::SystemShaderMark,
+                          OssLayerShaderManager::isSystemShaderNode(parentNode(), true));
+}
+
+void OssSnNodeGraphViewContext::onViewerAttachedToNode(int InputNumber)
+{
+    OssShaderNetworkView *view = currentView();
+    if (!view)
+        return;
+    OssUndoManager::AutoMacro macro(QStringLiteral("Attach viewer to node"));
+    view->connectToViewer(parentNode(), InputNumber);
+}
+
+void OssSnNodeGraphViewContext::onViewerNodeCurrentEdgeChanged(int edge)
+{
+    if (!m_GuiNode)
+        return;
+    const QString current = QString::number(edge);
+    for (OssNgEdge *input : m_GuiNode->inputs())
+        input->setActivated(m_GuiNode->isSelected() && input->inputName() == current);
+    updateViewerNodeVirtualEdge();
+}
+
+void OssSnNodeGraphViewContext::updateViewerNodeVirtualEdge()
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
+        return;
+    // The viewer shows the node feeding its current input; its virtual edge points at "ToView".
+    const QString current =
+        QString::number(node->network()->rootNetwork()->viewerNodeCurrentEdge());
+    OssSnBaseNode *shown = node->inputConnection(current);
+    if (node->hasInput(QStringLiteral("ToView")))
+        m_GuiNode->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
+}
+
+void OssSnNodeGraphViewContext::onNewNodeAdded()
+{
+    if (qobject_cast<OssSnMultiChannelGroupNode *>(parentNode()))
+        setPortListMode(OssSnNodeGraphViewContextManager::instance()->defaultMCMCollapsedState());
+}
+
+void OssSnNodeGraphViewContext::updateDescriptiveNames()
+{
+    updateDescriptiveInputNames();
+    updateDescriptiveOutputNames();
+}
+
+void OssSnNodeGraphViewContext::updateDescriptiveInputNames()
+{
+    OssSnBaseNode *node = parentNode();
+    if (!m_GuiNode || !node)
+        return;
+    if (qobject_cast<OssSnMultiChannelGroupNode *>(node))
+        m_GuiNode->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
+                                                 node->descriptiveOutputNameList());
+    m_GuiNode->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
+}
+
+void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
+{
+    updateDescriptiveInputNames();
+}
+
+void OssSnNodeGraphViewContext::setNodePosition(QPointF position)
+{
+    if (m_GuiNode)
+        m_GuiNode->setPos(position);
+}
+
+void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
+{
+    if (!m_GuiNode)
+        return;
+    m_GuiNode->savePosition();
+    m_GuiNode->setPos(position);
+    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(m_GuiNode.data()), false);
+}
+
+void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
+{
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_GuiNode.data())) {
+        backdrop->saveBoundingRect();
+        backdrop->setNodeSize(size);
+    }
+}
+
+void OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
+{
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_GuiNode.data())) {
+        backdrop->saveBoundingRect();
+        backdrop->setNodeSize(size);
+        OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
+    }
+}
+
+void OssSnNodeGraphViewContext::onHoveredChanged(bool hovered)
+{
+    if (OssSnBaseNode *node = parentNode())
+        node->emitNodeStateRefreshed();
+    emit hoveredChanged(hovered);
+}
+
+void OssSnNodeGraphViewContext::gotoNode()
+{
+    OssSnBaseNode *node = parentNode();
+    OssSnNodeGraphWidget *widget = OssSnNodeGraphViewContextManager::instance()->nodeGraphWidget();
+    if (!node || !node->network() || !widget || !m_GuiNode)
+        return;
+    OssShaderNetwork *root = node->network()->rootNetwork();
+    if (!root->geoEntity() || !widget->view() || widget->view()->network() != root)
+        return;
+    if (OssSnGroupNode *group = node->network()->parentGroupNode())
+        widget->showGroupNodeSubgraph(group);
+    else
+        widget->setCurrentIndex(0);
+    OssShaderNetworkView *view = widget->currentView();
+    if (m_GuiNode->isVisible() && view && view->network() == node->network())
+        view->centerViewOn(m_GuiNode->pos() + m_GuiNode->boundingRect().center(), true);
+}
