@@ -73,6 +73,7 @@ OssSnNodeGraphViewContext::~OssSnNodeGraphViewContext()
 {
     // Gives the GUI node up: it leaves the scene and the business node.
     m_GuiNode.reset();
+    m_guiGuard = nullptr;
 }
 
 OssSnNodeGraphViewContext *OssSnNodeGraphViewContext::of(const OssSnBaseNode *node)
@@ -88,12 +89,12 @@ OssNgNode *OssSnNodeGraphViewContext::guiNodeOf(const OssSnBaseNode *node)
 
 OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const
 {
-    return qobject_cast<OssNgExtendedNode *>(m_GuiNode.data());
+    return qobject_cast<OssNgExtendedNode *>(guiItem());
 }
 
 QObject *OssSnNodeGraphViewContext::guiNode() const
 {
-    return m_GuiNode.data();
+    return guiItem();
 }
 
 OssNgNode *OssSnNodeGraphViewContext::createGuiNode()
@@ -118,6 +119,7 @@ void OssSnNodeGraphViewContext::adoptGuiNode(OssNgNode *gui)
     if (!gui || !node)
         return;
     m_GuiNode = ownGuiNode(gui);
+    m_guiGuard = gui;
     gui->setParent(node);
     gui->setText(node->name());
     gui->setToolTip(node->description());
@@ -184,28 +186,28 @@ void OssSnNodeGraphViewContext::setPortListMode(
 
 QPointF OssSnNodeGraphViewContext::nodePosition() const
 {
-    return m_GuiNode ? m_GuiNode->pos() : QPointF();
+    return guiItem() ? guiItem()->pos() : QPointF();
 }
 
 QSizeF OssSnNodeGraphViewContext::nodeSize() const
 {
-    return m_GuiNode ? m_GuiNode->boundingRect().size() : QSizeF();
+    return guiItem() ? guiItem()->boundingRect().size() : QSizeF();
 }
 
 // --- initialisation
 
 void OssSnNodeGraphViewContext::applyColours()
 {
-    if (!m_GuiNode)
+    if (!guiItem())
         return;
-    m_GuiNode->setShapeType(m_shapeType);
-    m_GuiNode->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
+    guiItem()->setShapeType(m_shapeType);
+    guiItem()->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
 }
 
 void OssSnNodeGraphViewContext::buildPorts()
 {
     OssSnBaseNode *node = parentNode();
-    OssNgNode *gui = m_GuiNode.data();
+    OssNgNode *gui = guiItem();
     if (!node || !gui)
         return;
     for (const InputDescriptor &input : inputs())
@@ -222,7 +224,7 @@ void OssSnNodeGraphViewContext::buildPorts()
 void OssSnNodeGraphViewContext::initializeGui()
 {
     OssSnBaseNode *node = parentNode();
-    OssNgNode *gui = m_GuiNode.data();
+    OssNgNode *gui = guiItem();
     if (!gui || !node)
         return;
     connect(node, SIGNAL(selectedChanged(bool)), this, SLOT(selectGuiNode(bool)));
@@ -358,7 +360,7 @@ void OssSnNodeGraphViewContext::initializeGui()
 
 bool OssSnNodeGraphViewContext::saveObjects(OssSerializer &serializer)
 {
-    if (m_GuiNode && !m_GuiNode->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
+    if (guiItem() && !guiItem()->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
         return false;
     serializer.beginCollection(QStringLiteral("m_inputNodeInitialPos"),
                                m_inputNodeInitialPos.size(), QStringLiteral("QHash"),
@@ -378,7 +380,7 @@ OssSerializableObject *OssSnNodeGraphViewContext::onLoadSubObject(OssDeserialize
                                                                   const QString &type)
 {
     if (name == QLatin1String("m_GuiNode"))
-        return m_GuiNode ? m_GuiNode->state() : nullptr;
+        return guiItem() ? guiItem()->state() : nullptr;
     return OssSnBaseContext::onLoadSubObject(deserializer, name, type);
 }
 
@@ -456,8 +458,8 @@ void OssSnNodeGraphViewContext::copyGuiNodeStateFrom(OssSnBaseContext *other)
         OSS_DEBUG("OtherView is NULL");
         return;
     }
-    if (m_GuiNode)
-        m_GuiNode->copyFrom(source->guiItem());
+    if (guiItem())
+        guiItem()->copyFrom(source->guiItem());
 }
 
 void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const QString &inputName,
@@ -479,8 +481,8 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
 void OssSnNodeGraphViewContext::applySelection(bool selected)
 {
     OssSnBaseNode *node = parentNode();
-    if (m_GuiNode && m_GuiNode->isSelected() != selected)
-        m_GuiNode->setSelected(selected);
+    if (guiItem() && guiItem()->isSelected() != selected)
+        guiItem()->setSelected(selected);
     if (node && node->selected() != selected)
         node->setSelected(selected);
     if (!node || !selected || !node->hasTag(QStringLiteral("_viewer")))
@@ -536,28 +538,28 @@ void OssSnNodeGraphViewContext::calculateEdgeMultipliers(QVector<int> &Multiplie
 
 void OssSnNodeGraphViewContext::setText(QString text)
 {
-    if (!m_GuiNode)
+    if (!guiItem())
         return;
-    m_GuiNode->setText(text);
+    guiItem()->setText(text);
     if (OssNgExtendedNode *extended = extendedNode())
         extended->refresh();
 }
 
 void OssSnNodeGraphViewContext::setToolTip(QString text)
 {
-    if (m_GuiNode)
-        m_GuiNode->setToolTip(text);
+    if (guiItem())
+        guiItem()->setToolTip(text);
 }
 
 void OssSnNodeGraphViewContext::updateGuiEdgesBypassStates()
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node)
+    if (!guiItem() || !node)
         return;
     if (OssNgExtendedNode *extended = extendedNode())
         extended->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
     for (const QString &input : node->inputNames())
-        if (OssNgEdge *edge = m_GuiNode->input(input))
+        if (OssNgEdge *edge = guiItem()->input(input))
             edge->setBypassed(!node->inputEnabled(input) || !node->enabledAsBool());
 }
 
@@ -609,13 +611,13 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBase
                                                         QString outputPoint)
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node)
+    if (!guiItem() || !node)
         return;
     OssNgNode *sourceGui = guiNodeOf(source);
     if (source && sourceGui)
-        m_GuiNode->connectInput(input, sourceGui, outputPoint);
+        guiItem()->connectInput(input, sourceGui, outputPoint);
     else
-        m_GuiNode->disconnectInput(input);
+        guiItem()->disconnectInput(input);
     updateGuiEdgesBypassStates();
     if (OssNgExtendedNode *extended = extendedNode())
         extended->refresh();
@@ -626,7 +628,7 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBase
             text = source->hasTag(QStringLiteral("_currentMaterialProxy"))
                        ? QStringLiteral("0:Current Material")
                        : QStringLiteral("0:%1").arg(source->name());
-        m_GuiNode->setInputPortText(QStringLiteral("0"), text);
+        guiItem()->setInputPortText(QStringLiteral("0"), text);
     }
 }
 
@@ -634,16 +636,16 @@ void OssSnNodeGraphViewContext::onParentNodeDetachOutput(QString)
 {
     // The target's context detaches the edge when its input changes; nothing to do here but
     // keep the output's used mark right.
-    if (m_GuiNode)
-        m_GuiNode->update();
+    if (guiItem())
+        guiItem()->update();
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node)
+    if (!guiItem() || !node)
         return;
-    m_GuiNode->addInputPort(input, input == node->preferredInput(), false, [&] {
+    guiItem()->addInputPort(input, input == node->preferredInput(), false, [&] {
         const QStringList tags = node->inputTags(input);
         return QSet<QString>(tags.begin(), tags.end());
     }());
@@ -651,11 +653,11 @@ void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
 
 void OssSnNodeGraphViewContext::onParentNodeInputListAdded(QStringList inputs)
 {
-    if (!m_GuiNode)
+    if (!guiItem())
         return;
     for (const QString &input : inputs)
         onParentNodeInputAdded(input);
-    m_GuiNode->setInputPortOrder(parentNode()->inputNames());
+    guiItem()->setInputPortOrder(parentNode()->inputNames());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
@@ -666,15 +668,15 @@ void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
 void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed(bool Adjust)
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node)
+    if (!guiItem() || !node)
         return;
-    for (const QString &name : m_GuiNode->inputPortNames())
+    for (const QString &name : guiItem()->inputPortNames())
         if (!node->hasInput(name))
-            m_GuiNode->removeInputPort(name);
+            guiItem()->removeInputPort(name);
     for (const QString &name : node->inputNames())
-        if (!m_GuiNode->inputPort(name))
+        if (!guiItem()->inputPort(name))
             onParentNodeInputAdded(name);
-    m_GuiNode->setInputPortOrder(node->inputNames());
+    guiItem()->setInputPortOrder(node->inputNames());
     if (Adjust)
         for (const QString &input : node->inputNames())
             onParentNodeInputChange(input, node->inputConnection(input),
@@ -689,14 +691,14 @@ void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed()
 void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed(bool)
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node)
+    if (!guiItem() || !node)
         return;
-    for (const QString &name : m_GuiNode->outputPortNames())
+    for (const QString &name : guiItem()->outputPortNames())
         if (!node->hasOutputPoint(name))
-            m_GuiNode->removeOutputPort(name);
+            guiItem()->removeOutputPort(name);
     for (const QString &name : node->outputPointNames())
-        if (!m_GuiNode->outputPort(name))
-            m_GuiNode->addOutputPort(name, !node->outputPortsHidden());
+        if (!guiItem()->outputPort(name))
+            guiItem()->addOutputPort(name, !node->outputPortsHidden());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
@@ -707,44 +709,44 @@ void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
 
 void OssSnNodeGraphViewContext::onParentNodeInputRenamed(QString oldName, QString newName)
 {
-    if (m_GuiNode)
-        m_GuiNode->renameInputPort(oldName, newName);
+    if (guiItem())
+        guiItem()->renameInputPort(oldName, newName);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputRemoved(QString input)
 {
-    if (m_GuiNode)
-        m_GuiNode->removeInputPort(input);
+    if (guiItem())
+        guiItem()->removeInputPort(input);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointAdded(QString outputPoint)
 {
-    if (m_GuiNode)
-        m_GuiNode->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
+    if (guiItem())
+        guiItem()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRemoved(QString outputPoint)
 {
-    if (m_GuiNode)
-        m_GuiNode->removeOutputPort(outputPoint);
+    if (guiItem())
+        guiItem()->removeOutputPort(outputPoint);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointUsed(QString outputPoint)
 {
-    if (m_GuiNode)
-        m_GuiNode->setOutputPortUsed(outputPoint, true);
+    if (guiItem())
+        guiItem()->setOutputPortUsed(outputPoint, true);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointFreed(QString outputPoint)
 {
-    if (m_GuiNode)
-        m_GuiNode->setOutputPortUsed(outputPoint, false);
+    if (guiItem())
+        guiItem()->setOutputPortUsed(outputPoint, false);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRenamed(QString oldName, QString newName)
 {
-    if (m_GuiNode)
-        m_GuiNode->renameOutputPort(oldName, newName);
+    if (guiItem())
+        guiItem()->renameOutputPort(oldName, newName);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
@@ -755,15 +757,15 @@ void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
 
 void OssSnNodeGraphViewContext::onParentInputIsShared(QString input)
 {
-    if (m_GuiNode)
-        if (OssNgEdge *edge = m_GuiNode->input(input))
+    if (guiItem())
+        if (OssNgEdge *edge = guiItem()->input(input))
             edge->setShared(true);
 }
 
 void OssSnNodeGraphViewContext::onInputEnabledChanged(QString input, bool enabled)
 {
-    if (m_GuiNode)
-        if (OssNgEdge *edge = m_GuiNode->input(input))
+    if (guiItem())
+        if (OssNgEdge *edge = guiItem()->input(input))
             edge->setBypassed(!enabled);
 }
 
@@ -837,7 +839,7 @@ void OssSnNodeGraphViewContext::onNodePositionedNextTo(OssSnBaseNode *ReferenceN
 void OssSnNodeGraphViewContext::onNodePositionedOnTopIdented(OssSnBaseNode *ReferenceNode)
 {
     if (OssShaderNetworkView *view = currentView())
-        view->relocateNodeBeside(m_GuiNode.data(), guiNodeOf(ReferenceNode));
+        view->relocateNodeBeside(guiItem(), guiNodeOf(ReferenceNode));
 }
 
 void OssSnNodeGraphViewContext::onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
@@ -887,25 +889,25 @@ void OssSnNodeGraphViewContext::onViewerAttachedToNode(int InputNumber)
 
 void OssSnNodeGraphViewContext::onViewerNodeCurrentEdgeChanged(int edge)
 {
-    if (!m_GuiNode)
+    if (!guiItem())
         return;
     const QString current = QString::number(edge);
-    for (OssNgEdge *input : m_GuiNode->inputs())
-        input->setActivated(m_GuiNode->isSelected() && input->inputName() == current);
+    for (OssNgEdge *input : guiItem()->inputs())
+        input->setActivated(guiItem()->isSelected() && input->inputName() == current);
     updateViewerNodeVirtualEdge();
 }
 
 void OssSnNodeGraphViewContext::updateViewerNodeVirtualEdge()
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
+    if (!guiItem() || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
         return;
     // The viewer shows the node feeding its current input; its virtual edge points at "ToView".
     const QString current =
         QString::number(node->network()->rootNetwork()->viewerNodeCurrentEdge());
     OssSnBaseNode *shown = node->inputConnection(current);
     if (node->hasInput(QStringLiteral("ToView")))
-        m_GuiNode->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
+        guiItem()->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
 }
 
 void OssSnNodeGraphViewContext::onNewNodeAdded()
@@ -923,12 +925,12 @@ void OssSnNodeGraphViewContext::updateDescriptiveNames()
 void OssSnNodeGraphViewContext::updateDescriptiveInputNames()
 {
     OssSnBaseNode *node = parentNode();
-    if (!m_GuiNode || !node)
+    if (!guiItem() || !node)
         return;
     if (qobject_cast<OssSnMultiChannelGroupNode *>(node))
-        m_GuiNode->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
+        guiItem()->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
                                                  node->descriptiveOutputNameList());
-    m_GuiNode->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
+    guiItem()->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
 }
 
 void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
@@ -938,22 +940,22 @@ void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
 
 void OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
-    if (m_GuiNode)
-        m_GuiNode->setPos(position);
+    if (guiItem())
+        guiItem()->setPos(position);
 }
 
 void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
 {
-    if (!m_GuiNode)
+    if (!guiItem())
         return;
-    m_GuiNode->savePosition();
-    m_GuiNode->setPos(position);
-    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(m_GuiNode.data()), false);
+    guiItem()->savePosition();
+    guiItem()->setPos(position);
+    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(guiItem()), false);
 }
 
 void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
 {
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_GuiNode.data())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
         backdrop->saveBoundingRect();
         backdrop->setNodeSize(size);
     }
@@ -961,7 +963,7 @@ void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
 
 void OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
 {
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_GuiNode.data())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
         backdrop->saveBoundingRect();
         backdrop->setNodeSize(size);
         OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
@@ -979,7 +981,7 @@ void OssSnNodeGraphViewContext::gotoNode()
 {
     OssSnBaseNode *node = parentNode();
     OssSnNodeGraphWidget *widget = OssSnNodeGraphViewContextManager::instance()->nodeGraphWidget();
-    if (!node || !node->network() || !widget || !m_GuiNode)
+    if (!node || !node->network() || !widget || !guiItem())
         return;
     OssShaderNetwork *root = node->network()->rootNetwork();
     if (!root->geoEntity() || !widget->view() || widget->view()->network() != root)
@@ -989,6 +991,6 @@ void OssSnNodeGraphViewContext::gotoNode()
     else
         widget->setCurrentIndex(0);
     OssShaderNetworkView *view = widget->currentView();
-    if (m_GuiNode->isVisible() && view && view->network() == node->network())
-        view->centerViewOn(m_GuiNode->pos() + m_GuiNode->boundingRect().center(), true);
+    if (guiItem()->isVisible() && view && view->network() == node->network())
+        view->centerViewOn(guiItem()->pos() + guiItem()->boundingRect().center(), true);
 }

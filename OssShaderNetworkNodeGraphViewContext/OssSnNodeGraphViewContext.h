@@ -9,6 +9,7 @@
 
 #include <QPoint>
 #include <QPointF>
+#include <QPointer>
 #include <QSharedPointer>
 #include <QSizeF>
 #include <QVector>
@@ -37,7 +38,8 @@ public:
     // The GUI node of a node's view context, or null.
     static OssNgNode *guiNodeOf(const OssSnBaseNode *node);
 
-    OssNgNode *guiItem() const { return m_GuiNode.data(); }
+    // The GUI node while it exists (a closing scene may have taken it).
+    OssNgNode *guiItem() const { return m_guiGuard.data(); }
     OssNgExtendedNode *extendedNode() const;
 
     int shapeType() const { return m_shapeType; }
@@ -162,6 +164,7 @@ protected:
     void applyColours();
 
     QSharedPointer<OssNgNode> m_GuiNode;
+    QPointer<OssNgNode> m_guiGuard;
     int m_shapeType = 0;
     QString m_nodeColorTop;
     QString m_nodeColorBottom;

@@ -291,6 +291,10 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
             OSS_DEBUG("Failed to find scene for network");
         return;
     }
+    for (QGraphicsItem *item : scene->items())
+        if (OssNgNode *node = OssNgNode::fromItem(item))
+            if (qobject_cast<OssSnBaseNode *>(node->parent()))
+                scene->removeItem(node);
     delete scene;
 }
 
@@ -313,6 +317,14 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
                 view->setScene(nullptr);
                 view->setNetwork(nullptr);
             }
+    // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
+    // before the scenes are deleted.
+    for (QGraphicsScene *scene : qAsConst(m_scenes)) {
+        for (QGraphicsItem *item : scene->items())
+            if (OssNgNode *node = OssNgNode::fromItem(item))
+                if (qobject_cast<OssSnBaseNode *>(node->parent()))
+                    scene->removeItem(node);
+    }
     qDeleteAll(m_scenes);
     m_scenes.clear();
     m_groupNodes.clear();

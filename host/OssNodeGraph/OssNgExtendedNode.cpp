@@ -8,6 +8,7 @@
 
 OssNgExtendedNode::OssNgExtendedNode(QGraphicsItem *parentItem) : OssNgNode(parentItem)
 {
+    setFlow(Flow::Horizontal);
     connect(OssNgStyle::instance(), &OssNgStyle::colorsUpdated, this, [this] { update(); });
 }
 
@@ -16,7 +17,9 @@ void OssNgExtendedNode::setPortListMode(PortListMode mode)
     if (mode == m_portListMode)
         return;
     m_portListMode = mode;
-    setFlow(mode == PortListHidden || mode == PortListExpanded ? Flow::Horizontal : Flow::Vertical);
+    // Graphs run left to right; only the mode without a port list turns the node to run top
+    // to bottom.
+    setFlow(mode == PortListHidden ? Flow::Vertical : Flow::Horizontal);
     applyPortVisibility();
 }
 

@@ -16,9 +16,9 @@ public:
     {
         Type = UserType + 103
     };
-    // 0: ports along the top and bottom with their names; 1: no port list, ports on the left
-    // and right sides; 2: folded to the preferred input and output; 3: connected ports only;
-    // 4: every port, listed down the sides with names.
+    // 0: inputs listed down the left side and outputs down the right, with their names; 1: no
+    // port list, the node runs top to bottom with unnamed ports; 2: folded to the preferred
+    // input and output; 3: connected ports only; 4: every port, even hidden ones, listed.
     enum PortListMode
     {
         PortListShown = 0,

@@ -125,10 +125,10 @@ private slots:
         QTest::addColumn<int>("mode");
         QTest::addColumn<QStringList>("visibleInputs");
         QTest::addColumn<bool>("horizontal");
-        QTest::newRow("shown") << 0 << QStringList{"A", "B", "C"} << false;
-        QTest::newRow("hidden") << 1 << QStringList{"A", "B", "C"} << true;
-        QTest::newRow("folded") << 2 << QStringList{"A"} << false;
-        QTest::newRow("connected") << 3 << QStringList{"A", "C"} << false;
+        QTest::newRow("shown") << 0 << QStringList{"A", "B", "C"} << true;
+        QTest::newRow("hidden") << 1 << QStringList{"A", "B", "C"} << false;
+        QTest::newRow("folded") << 2 << QStringList{"A"} << true;
+        QTest::newRow("connected") << 3 << QStringList{"A", "C"} << true;
         QTest::newRow("expanded") << 4 << QStringList{"A", "B", "C"} << true;
     }
 
