@@ -19,6 +19,7 @@
 #include <QCursor>
 #include <QFocusEvent>
 #include <QGraphicsScene>
+#include <QResizeEvent>
 #include <QTimer>
 
 #include <cmath>
@@ -157,6 +158,16 @@ void OssShaderNetworkView::onShakeToExtractTriggered()
         m_network->extractNodes(m_network->selectedNodes(), true);
 }
 
+void OssShaderNetworkView::resizeEvent(QResizeEvent *event)
+{
+    OssNgView::resizeEvent(event);
+    if (m_framePending >= 0 && isVisible()) {
+        const bool entire = m_framePending == 1;
+        m_framePending = -1;
+        frameNodes(entire);
+    }
+}
+
 void OssShaderNetworkView::focusOutEvent(QFocusEvent *event)
 {
     deactivateDotableMode();
@@ -195,6 +206,10 @@ void OssShaderNetworkView::frameNodes(bool EntireScene)
 {
     if (!scene())
         return;
+    // A view not shown yet, or still at its first tiny size inside a dock being laid out, frames
+    // again when it gets its real size.
+    const bool sized = isVisible() && viewport()->width() >= 200 && viewport()->height() >= 150;
+    m_framePending = sized ? -1 : int(EntireScene);
     int count = 0;
     const QRectF selection = selectionBounds(&count);
     const QRectF target = EntireScene || count < 1 ? visibleNodeBounds() : selection;

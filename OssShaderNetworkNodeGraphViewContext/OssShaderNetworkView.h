@@ -76,6 +76,7 @@ signals:
 
 protected:
     void focusOutEvent(QFocusEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     QRectF selectionBounds(int *count = nullptr) const;
@@ -84,4 +85,6 @@ private:
 
     OssShaderNetwork *m_network = nullptr;
     QMap<OssNgNode *, QPointF> m_nodeStartPositions;
+    // Framing asked for before the view had its size is done again once it has one.
+    int m_framePending = -1;
 };

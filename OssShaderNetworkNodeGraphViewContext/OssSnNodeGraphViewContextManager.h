@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QPointer>
 #include <QRectF>
+#include <QSet>
 #include <QStringList>
 
 class OssChannel;
@@ -180,9 +181,12 @@ public slots:
     void showNodePropertiesAtPositionEnd(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodePropertiesAtPositionBegin(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodeProperties(OssSnBaseNode *Node);
+    void beautifyNodesLayout();
     void beautifyNodesLayout(OssShaderNetwork *Network);
     void beautifyNodesLayout(OssShaderNetwork *Network, OssSnBaseNode *Node);
     void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes);
+    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes,
+                             bool ArrangeFromLeavesIfEmpty);
     void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
     void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
     void reorderGroupInputsByPos(OssSnGroupNode *Group);
@@ -218,8 +222,14 @@ signals:
     void shakeToExtractTimeChanged(int Value);
     void numberOfLastUsedNodePathsToStoreChanged(int Value);
 
+protected slots:
+    void autoLayoutNodes(OssShaderNetwork *StartNetwork, QList<OssSnBaseNode *> StartNodes,
+                         bool ArrangeFromLeavesIfEmpty);
+
 private:
     OssSnNodeGraphViewContextManager();
+    void layoutTree(OssSnBaseNode *root, QSet<OssSnBaseNode *> &laidOut,
+                    const QList<class OssNgNode *> &keepClear);
     void registerPreferences();
     void connectToHost();
 

@@ -165,7 +165,7 @@ void OssMainWindow::addPalette(OssPalette *palette)
     const bool main = m_docks.isEmpty();
     addDockWidget(main ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, dock);
     if (!main)
-        resizeDocks({dock}, {420}, Qt::Horizontal);
+        resizeDocks({m_docks.begin().value().data(), dock}, {1100, 420}, Qt::Horizontal);
     m_docks.insert(palette, dock);
     m_windowMenu->addAction(dock->toggleViewAction());
     connect(palette, &OssPalette::showRequested, dock, [dock] {
