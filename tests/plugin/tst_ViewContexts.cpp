@@ -1,0 +1,468 @@
+#include "OssTestEnvironment.h"
+
+#include "OssShaderNetworkView.h"
+#include "OssSnGroupNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextLoader.h"
+#include "OssSnNodeGraphViewContextManager.h"
+#include "OssSnNodeGraphWidget.h"
+#include "OssSnSpecialNodeGraphViewContexts.h"
+#include "OssSnUINodeGraphViewContext.h"
+
+#include <OssClassFactory.h>
+#include <OssDebug.h>
+#include <OssNgBackdropNode.h>
+#include <OssNgEdge.h>
+#include <OssNgStyle.h>
+#include <OssNgUINodes.h>
+#include <OssProject.h>
+#include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssSnGroupNode.h>
+#include <OssSnSpecialNodes.h>
+#include <OssUndoManager.h>
+
+#include <QGraphicsScene>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+QString description(const QString &contexts)
+{
+    return QStringLiteral("<NodeType PathKey=\"Test/Node\"><Contexts>%1</Contexts></NodeType>")
+        .arg(contexts);
+}
+
+} // namespace
+
+// View contexts on the real host model: loader, factories, GUI wiring, placement, persistence.
+class tst_ViewContexts : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+    OssShaderNetwork *m_network = nullptr;
+    OssSnNodeGraphViewContextManager *manager()
+    {
+        return OssSnNodeGraphViewContextManager::instance();
+    }
+    OssNgNode *gui(OssSnBaseNode *node) { return OssSnNodeGraphViewContext::guiNodeOf(node); }
+    OssSnBaseNode *make(const char *key, const char *name = nullptr)
+    {
+        return m_network->createNode(QString::fromLatin1(key),
+                                     name ? QString::fromLatin1(name) : QString());
+    }
+
+private slots:
+    void initTestCase() { manager(); }
+
+    void init()
+    {
+        m_network =
+            OssProjectManager::instance()->newProject(QStringLiteral("Head"))->networks().first();
+        // The root view shows the current network, as in the shell.
+        QVERIFY(manager()->currentView());
+        QCOMPARE(manager()->currentView()->network(), m_network);
+    }
+
+    void cleanup() { OssProjectManager::instance()->closeProject(); }
+
+    // --- loader and factories
+
+    void loaderChoosesTheContextClass_data()
+    {
+        QTest::addColumn<QString>("contexts");
+        QTest::addColumn<QString>("className");
+        QTest::addColumn<int>("shape");
+        QTest::newRow("no contexts") << ""
+                                     << "OssSnNodeGraphViewContext" << 0;
+        QTest::newRow("named class")
+            << "<Context Type=\"NodeGraphView\" Class=\"OssSnBakePointNodeGraphViewContext\" "
+               "ShapeType=\"7\"/>"
+            << "OssSnBakePointNodeGraphViewContext" << 7;
+        QTest::newRow("ui without gui class")
+            << "<Context Type=\"UINodeGraphView\" ShapeType=\"3\"/>"
+            << "OssSnNodeGraphViewContext" << 3;
+        QTest::newRow("ui backdrop")
+            << "<Context Type=\"UINodeGraphView\" GuiNodeClass=\"Backdrop\"/>"
+            << "OssSnUINodeGraphViewContext" << 0;
+        QTest::newRow("second replaces first")
+            << "<Context Type=\"NodeGraphView\" Class=\"OssSnGroupNodeGraphViewContext\" "
+               "ShapeType=\"4\"/><Context Type=\"NodeGraphView\" "
+               "Class=\"OssSnGeoChannelNodeGraphViewContext\"/>"
+            << "OssSnGeoChannelNodeGraphViewContext" << 0;
+        QTest::newRow("unknown class")
+            << "<Context Type=\"NodeGraphView\" Class=\"NoSuchContext\"/>"
+            << "" << 0;
+        QTest::newRow("other type ignored") << "<Context Type=\"Other\" ShapeType=\"5\"/>"
+                                            << "OssSnNodeGraphViewContext" << 0;
+    }
+
+    void loaderChoosesTheContextClass()
+    {
+        QFETCH(QString, contexts);
+        QFETCH(QString, className);
+        QFETCH(int, shape);
+        auto *node = new OssSnBaseNode(m_network);
+        node->addInput(QStringLiteral("In"));
+        OssSnNodeGraphViewContextLoader loader;
+        const OssSnContextList list = loader.load(description(contexts), node);
+        QCOMPARE(list.size(), 1);
+        auto *context = qobject_cast<OssSnNodeGraphViewContext *>(list.first());
+        if (className.isEmpty()) {
+            QVERIFY(!context);
+        } else {
+            QVERIFY(context);
+            QCOMPARE(QString::fromLatin1(context->metaObject()->className()), className);
+            QCOMPARE(context->shapeType(), shape);
+        }
+        delete node;
+    }
+
+    void loaderAddsTagsAndStubs()
+    {
+        auto *node = new OssSnBaseNode(m_network);
+        node->addInput(QStringLiteral("Base"));
+        OssSnNodeGraphViewContextLoader loader;
+        const OssSnContextList list = loader.load(
+            description("<Context Type=\"NodeGraphView\" PixmapOffset=\"4,-2\"><Inputs><Input "
+                        "Name=\"Base\" Tags=\"a,,b\"><Pos OriginOffset=\"3\">10,-4</Pos></Input>"
+                        "</Inputs><Outputs><Output Name=\"Out\"><Pos>1,2</Pos></Output></Outputs>"
+                        "</Context>"),
+            node);
+        auto *context = qobject_cast<OssSnNodeGraphViewContext *>(list.first());
+        QCOMPARE(node->inputTags("Base"), (QStringList{"a", "", "b"}));
+        QCOMPARE(context->pixmapOffset(), QPoint(4, -2));
+        QCOMPARE(context->m_inputNodeInitialPos.value("Base"),
+                 qMakePair(QPoint(3, 0), QPoint(10, -4)));
+        QCOMPARE(context->m_outputNodeInitialPos.value("Out"),
+                 qMakePair(QPoint(0, 0), QPoint(1, 2)));
+        delete node;
+    }
+
+    void factoriesByName()
+    {
+        auto *node = new OssSnGroupNode(m_network);
+        QPointer<QObject> made = OssClassFactoryManager::instance()->create(
+            QStringLiteral("OssSnGroupNodeGraphViewContext"), node);
+        QVERIFY(qobject_cast<OssSnGroupNodeGraphViewContext *>(made.data()));
+        QVERIFY(OssClassFactoryManager::instance()->create(QStringLiteral("Nope"), node).isNull());
+        const QStringList expected{
+            "OssSnNodeGraphViewContext",           "OssSnBakePointNodeGraphViewContext",
+            "OssSnGeoChannelNodeGraphViewContext", "OssSnBaseTeleportNodeGraphViewContext",
+            "OssSnGroupNodeGraphViewContext",      "OssSnUINodeGraphViewContext"};
+        for (const QString &name : expected)
+            QVERIFY2(OssClassFactoryManager::instance()->hasFactory(name), qPrintable(name));
+        delete node;
+    }
+
+    // --- GUI follows the business node
+
+    void guiFollowsTheNode()
+    {
+        OssSnBaseNode *noise = make("Procedural/Noise/Perlin");
+        OssSnBaseNode *blur = make("Filter/Blur");
+        OssNgNode *blurGui = gui(blur);
+        QVERIFY(blurGui && blurGui->scene());
+        QCOMPARE(blurGui->parent(), blur);
+        QCOMPARE(blurGui->text(), QStringLiteral("Blur"));
+        QCOMPARE(blurGui->inputPortNames(), blur->inputNames());
+        blur->setName(QStringLiteral("Soften"));
+        QCOMPARE(blurGui->text(), QStringLiteral("Soften"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QVERIFY(blurGui->input("Input"));
+        QCOMPARE(blurGui->input("Input")->sourceNode(), gui(noise));
+        OssUndoManager::instance()->undo();
+        QVERIFY(!blurGui->input("Input"));
+        blur->addInput(QStringLiteral("Detail"), QStringLiteral("color"));
+        QVERIFY(blurGui->inputPort("Detail"));
+        blur->toggleDisable();
+        QVERIFY(qobject_cast<OssNgExtendedNode *>(blurGui)->mark(OssNgExtendedNode::DisabledMark));
+        // An edge drawn by the user connects in the network, as one undo step.
+        const int steps = OssUndoManager::instance()->count();
+        blurGui->requestInputSource(gui(noise), QStringLiteral("Input"), QStringLiteral("Output"));
+        QCOMPARE(blur->inputConnection("Input"), noise);
+        QCOMPARE(OssUndoManager::instance()->count(), steps + 1);
+        blurGui->requestInputSource(nullptr, QStringLiteral("Input"), QString());
+        QVERIFY(!blur->inputConnection("Input"));
+    }
+
+    void removedNodesLeaveTheSceneAndComeBack()
+    {
+        OssSnBaseNode *blur = make("Filter/Blur");
+        OssNgNode *blurGui = gui(blur);
+        QGraphicsScene *scene = blurGui->scene();
+        m_network->removeNodes({blur});
+        QVERIFY(!blurGui->scene());
+        OssUndoManager::instance()->undo();
+        QCOMPARE(blurGui->scene(), scene);
+    }
+
+    void categoriesAndColours_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("category");
+        QTest::newRow("paint") << "Misc/Channel Input"
+                               << "Misc";
+        QTest::newRow("filter") << "Filter/Blur"
+                                << "Filter";
+        QTest::newRow("broadcast") << "Teleport Broadcast/Broadcast"
+                                   << "TeleportBroadcast";
+        QTest::newRow("receiver") << "Teleport Receiver/Receiver"
+                                  << "TeleportReceiver";
+    }
+
+    void categoriesAndColours()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, category);
+        OssSnBaseNode *node = m_network->createNode(key);
+        auto *extended = qobject_cast<OssNgExtendedNode *>(gui(node));
+        QVERIFY(extended);
+        QCOMPARE(extended->category(), category);
+    }
+
+    void edgeMultipliers_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QVector<int>>("expected");
+        QTest::addColumn<int>("minimum");
+        QTest::newRow("none") << 0 << QVector<int>() << 99;
+        QTest::newRow("one") << 1 << QVector<int>{0} << 0;
+        QTest::newRow("two") << 2 << QVector<int>{-1, 1} << 1;
+        QTest::newRow("three") << 3 << QVector<int>{-1, 0, 1} << 0;
+        QTest::newRow("four") << 4 << QVector<int>{-2, -1, 1, 2} << 1;
+    }
+
+    void edgeMultipliers()
+    {
+        QFETCH(int, count);
+        QFETCH(QVector<int>, expected);
+        QFETCH(int, minimum);
+        QVector<int> list;
+        int min = 99;
+        OssSnNodeGraphViewContext::calculateEdgeMultipliers(list, min, count);
+        QCOMPARE(list, expected);
+        QCOMPARE(min, minimum);
+    }
+
+    void portListModeSignalsOnlyOnChange()
+    {
+        OssSnBaseNode *node = make("Filter/Blur");
+        OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node);
+        QSignalSpy changed(context, &OssSnNodeGraphViewContext::portListModeChanged);
+        context->setPortListMode(context->portListModeAsInt());
+        QCOMPARE(changed.count(), 0);
+        context->setPortListMode(OssSnNodeGraphViewContextManager::Collapsed);
+        QCOMPARE(context->portListModeAsInt(), 4);
+        QCOMPARE(changed.count(), 1);
+    }
+
+    void viewerInputZeroShowsWhatFeedsIt()
+    {
+        OssSnBaseNode *viewer = make("Misc/Viewer");
+        OssSnBaseNode *proxy = make("_System/Current Material");
+        OssSnBaseNode *blur = make("Filter/Blur");
+        QVERIFY(viewer->connectInput("0", proxy, proxy->prefferedOutputPoint()));
+        QCOMPARE(gui(viewer)->inputPort("0")->label(), QStringLiteral("0:Current Material"));
+        QVERIFY(viewer->connectInput("0", blur, "Output"));
+        QCOMPARE(gui(viewer)->inputPort("0")->label(), QStringLiteral("0:Blur"));
+        viewer->disconnectInput("0");
+        QCOMPARE(gui(viewer)->inputPort("0")->label(), QStringLiteral("0"));
+    }
+
+    // --- placement
+
+    void overlapRuleMovesTheNewNode()
+    {
+        OssSnBaseNode *a = make("Filter/Blur");
+        OssSnBaseNode *b = make("Filter/Sharpen");
+        gui(a)->setPos(0, 0);
+        gui(b)->setPos(0, 0);
+        OssDebugCapture capture;
+        manager()->currentView()->placeNode(b);
+        const QRectF bounds = gui(a)->boundingRect();
+        QCOMPARE(gui(b)->pos(), QPointF(float(bounds.width() + 30), float(bounds.height() + 30)));
+        QCOMPARE(gui(a)->pos(), QPointF(0, 0));
+        QVERIFY(capture.lines().size() == 1);
+        QVERIFY(capture.messages().first().startsWith("[ -- ] Found overlapping node "));
+        // Over a backdrop only, a node stays.
+        OssSnBaseNode *backdrop = make("Misc/Backdrop");
+        gui(backdrop)->setPos(1000, 1000);
+        OssSnBaseNode *c = make("Adjust/Invert");
+        gui(c)->setPos(1100, 1100);
+        manager()->currentView()->placeNode(c);
+        QCOMPARE(gui(c)->pos(), QPointF(1100, 1100));
+    }
+
+    void layoutTypesAndOverlap_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<bool>("preventOverlap");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<bool>("overlapResolved");
+        QTest::newRow("type 1 keeps overlap") << 1 << false << "at (0, 1)" << false;
+        QTest::newRow("type 2 always resolves") << 2 << false << "at (2, 0)" << true;
+        QTest::newRow("type 11") << 11 << true << "at (1, -1)" << true;
+    }
+
+    void layoutTypesAndOverlap()
+    {
+        QFETCH(int, type);
+        QFETCH(bool, preventOverlap);
+        QFETCH(QString, line);
+        QFETCH(bool, overlapResolved);
+        OssSnBaseNode *reference = make("Filter/Blur", "Ref");
+        OssSnBaseNode *node = make("Filter/Blur", "New");
+        gui(reference)->setPos(0, 0);
+        // Something in the way of every grid step.
+        for (int i = 0; i < 3; ++i) {
+            OssSnBaseNode *blocker = make("Adjust/Invert");
+            gui(blocker)->setPos(-400 + i * 400, -200 + i * 200);
+        }
+        OssDebugCapture capture;
+        emit node->emitSetLayout(OssSnBaseNode::NodeLayoutType(type), reference, true,
+                                 preventOverlap);
+        QVERIFY(capture.contains(QStringLiteral("[ -- ] Positioning node '/Head_SG/New' wrt node "
+                                                "'/Head_SG/Ref' ") +
+                                 line));
+        bool overlapping = false;
+        for (QGraphicsItem *item : gui(node)->collidingItems())
+            overlapping = overlapping || OssNgNode::fromItem(item);
+        if (overlapResolved)
+            QVERIFY(!overlapping);
+    }
+
+    // --- persistence
+
+    void guiStateSurvivesAProject()
+    {
+        OssSnBaseNode *blur = make("Filter/Blur");
+        OssSnBaseNode *group = make("Misc/Group");
+        gui(blur)->setPos(321, -45);
+        OssSnNodeGraphViewContext::of(blur)->setPortListMode(2);
+        OssSnNodeGraphViewContext::of(blur)->m_inputNodeInitialPos.insert(
+            "Input", {QPoint(1, -2), QPoint(3, -4)});
+        gui(group)->setPos(-100, 77);
+        const QString path = m_environment.scratchDirectory() + "/gui.ossa";
+        QString error;
+        QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY(text.contains("name=\"m_GuiNode\""));
+        QVERIFY(text.contains("<collection name=\"m_inputNodeInitialPos\""));
+        QVERIFY(text.contains("value=\"Input:1,-2,3,-4\""));
+        QVERIFY(OssProjectManager::instance()->openProject(path, &error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().first();
+        OssSnBaseNode *loaded = m_network->node("Blur");
+        QCOMPARE(gui(loaded)->pos(), QPointF(321, -45));
+        QCOMPARE(OssSnNodeGraphViewContext::of(loaded)->portListModeAsInt(), 2);
+        QCOMPARE(OssSnNodeGraphViewContext::of(loaded)->m_inputNodeInitialPos.value("Input"),
+                 qMakePair(QPoint(1, -2), QPoint(3, -4)));
+        QCOMPARE(gui(m_network->node("Group"))->pos(), QPointF(-100, 77));
+        QVERIFY(qobject_cast<OssSnGroupNodeGraphViewContext *>(
+            m_network->node("Group")->context("NodeGraphView")));
+    }
+
+    void versionHashText()
+    {
+        OssSnBaseNode *custom = make("Misc/Custom Procedural");
+        QVERIFY(
+            OssSnNodeGraphViewContext::of(custom)->versionHashSource().startsWith("ShapeType : "));
+        OssSnBaseNode *blur = make("Filter/Blur");
+        QVERIFY(OssSnNodeGraphViewContext::of(blur)->versionHashSource().startsWith(
+            "InputInitialPositions\n"));
+        OssSnBaseNode *multi = make("Misc/Multi Channel Group");
+        QCOMPARE(OssSnNodeGraphViewContext::of(multi)->versionHashSource(), QString());
+    }
+
+    // --- the kinds with state of their own
+
+    void uiNodesFollowTheirAttributes()
+    {
+        OssSnBaseNode *backdrop = make("Misc/Backdrop");
+        auto *backdropGui = qobject_cast<OssNgBackdropNode *>(gui(backdrop));
+        QVERIFY(backdropGui);
+        QCOMPARE(backdropGui->titleText(), QStringLiteral("Backdrop"));
+        backdrop->setUserAttribute(OssCustomAttribute("TitleText", QStringLiteral("Dirt")));
+        QCOMPARE(backdropGui->titleText(), QStringLiteral("Dirt"));
+        backdrop->setUserAttribute(OssCustomAttribute("ZOrder", 4));
+        QCOMPARE(backdropGui->zOrder(), 4);
+        OssSnBaseNode *note = make("Misc/Sticky Note");
+        note->setUserAttribute(OssCustomAttribute("Label", QStringLiteral("Remember")));
+        QCOMPARE(qobject_cast<OssNgUINode *>(gui(note))->label(), QStringLiteral("Remember"));
+        OssSnBaseNode *dot = make("Misc/Dot");
+        QVERIFY(qobject_cast<OssNgDotNode *>(gui(dot)));
+        OssDebugCapture capture;
+        dot->setUserAttribute(OssCustomAttribute("BackgroundColor", QStringLiteral("1 0 0 1")));
+        QVERIFY(capture.contains("[ !! ] Invalid attribute 'BackgroundColor' on node 'Dot'"));
+    }
+
+    void teleportsSignalWhenTheyReachEachOther()
+    {
+        auto *broadcast = qobject_cast<OssSnTeleportNode *>(make("Teleport Broadcast/Broadcast"));
+        auto *receiver = qobject_cast<OssSnTeleportNode *>(make("Teleport Receiver/Receiver"));
+        auto *broadcastGui = qobject_cast<OssNgExtendedNode *>(gui(broadcast));
+        auto *receiverGui = qobject_cast<OssNgExtendedNode *>(gui(receiver));
+        QCOMPARE(receiverGui->iconNames(),
+                 (QStringList{"ReceiverNodeSilent", "ReceiverNodeSignal"}));
+        // Both start on the types' default channel, so they reach each other.
+        QVERIFY(receiverGui->iconVisible(1));
+        broadcast->setChannelName(QStringLiteral("Other"));
+        QVERIFY(receiverGui->iconVisible(0) && !receiverGui->iconVisible(1));
+        receiver->setChannelName(QString());
+        QCOMPARE(receiverGui->text(), QStringLiteral("Receiver"));
+        receiver->setChannelName(QStringLiteral("Dirt"));
+        QCOMPARE(receiverGui->text(), QStringLiteral("Receiver (Dirt)"));
+        QVERIFY(receiverGui->iconVisible(0));
+        broadcast->setChannelName(QStringLiteral("Dirt"));
+        QVERIFY(receiverGui->iconVisible(1) && !receiverGui->iconVisible(0));
+        QVERIFY(broadcastGui->iconVisible(1));
+        m_network->removeNodes({broadcast});
+        emit receiver->updateState();
+
+        QVERIFY(receiverGui->iconVisible(0));
+    }
+
+    void bakePointsShowTheirState()
+    {
+        auto *bake = qobject_cast<OssSnBakePointNode *>(make("Misc/Bake Point"));
+        auto *bakeGui = qobject_cast<OssNgExtendedNode *>(gui(bake));
+        QCOMPARE(bakeGui->iconNames(),
+                 (QStringList{"GeoChannel", "ActivePatchRange", "BakePointFiltered"}));
+        bake->setSyncGeoChannel(true);
+        QVERIFY(!bakeGui->iconVisible(0));
+        QCOMPARE(bakeGui->text(), QStringLiteral("Bake Point"));
+        bake->setGeoChannelName(QStringLiteral("AO"));
+        QVERIFY(bakeGui->iconVisible(0));
+        QCOMPARE(bakeGui->text(), QStringLiteral("Bake Point (AO)"));
+        bake->bake(QStringLiteral("Set"));
+        QVERIFY(bakeGui->mark(OssNgExtendedNode::BakedMark));
+        QVERIFY(!bakeGui->mark(OssNgExtendedNode::StaleMark));
+        QVERIFY(
+            !OssSnNodeGraphViewContext::of(bake)->attributeIsStub("limitBakeBackground", false));
+    }
+
+    void groupsOpenTheirSubgraphInATab()
+    {
+        auto *group = qobject_cast<OssSnGroupNode *>(make("Misc/Group"));
+        OssSnNodeGraphWidget *widget = manager()->nodeGraphWidget();
+        QCOMPARE(widget->count(), 1);
+        emit group->openNodeGraph();
+        QCOMPARE(widget->count(), 2);
+        QCOMPARE(widget->tabText(1), QStringLiteral("Group"));
+        QCOMPARE(manager()->currentView()->network(), group->groupNetwork());
+        QCOMPARE(OssShaderNetworkManager::instance()->currentViewNetwork(), group->groupNetwork());
+        group->setName(QStringLiteral("Scratches"));
+        QCOMPARE(widget->tabText(1), QStringLiteral("Scratches"));
+        // Creating a node from an action in the subgraph puts it into the group's network.
+        m_network->removeNodes({group});
+        QCOMPARE(widget->count(), 1);
+    }
+};
+
+QTEST_MAIN(tst_ViewContexts)
+#include "tst_ViewContexts.moc"
