@@ -12,7 +12,14 @@ OssActionTreeManager::OssActionTreeManager(QObject *parent) : QObject(parent) {}
 
 QString OssActionTreeManager::fullPath(const QString &folder, const QAction *action)
 {
-    return action ? folder + action->text() : QString();
+    // The folder as given followed by the text, with a slash between them when the folder does
+    // not end with one: "/Ossa/NodeGraph/" and "/Ossa/NodeGraph" both give
+    // "/Ossa/NodeGraph/Frame All" (the folders themselves stay distinct).
+    if (!action)
+        return QString();
+    return folder.endsWith(QLatin1Char('/')) || folder.isEmpty()
+               ? folder + action->text()
+               : folder + QLatin1Char('/') + action->text();
 }
 
 void OssActionTreeManager::registerAction(const QString &folder, QAction *action)

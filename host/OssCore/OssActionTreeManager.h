@@ -11,8 +11,9 @@
 class QAction;
 
 // The host's tree of actions. An action is filed under a folder path exactly as given and is
-// known by that folder path followed by its text: "/Ossa/NodeGraph/", "/Ossa/NodeGraph" and
-// "Ossa/NodeGraph/" are three different folders. Several actions may share one identity.
+// known by that folder path followed by its text (with a slash between them when the folder
+// does not end with one): "/Ossa/NodeGraph/", "/Ossa/NodeGraph" and "Ossa/NodeGraph/" are three
+// different folders. Several actions may share one identity.
 class OSSCORE_EXPORT OssActionTreeManager : public QObject
 {
     Q_OBJECT

@@ -1,0 +1,380 @@
+#include "OssTestEnvironment.h"
+
+#include "OssShaderNetworkView.h"
+#include "OssSnNodeCreationActions.h"
+#include "OssSnNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextManager.h"
+#include "OssSnNodeGraphWidget.h"
+
+#include <OssActionTreeManager.h>
+#include <OssDebug.h>
+#include <OssNgExtendedNode.h>
+#include <OssPalette.h>
+#include <OssProject.h>
+#include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssSnGroupNode.h>
+#include <OssSnNodeTypeCatalogue.h>
+#include <OssUndoManager.h>
+
+#include <QAction>
+#include <QGraphicsScene>
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QtTest>
+
+// The view-context manager, its tab widget and views, with the host's projects and networks.
+class tst_ViewContextManager : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+    OssSnNodeGraphViewContextManager *manager()
+    {
+        return OssSnNodeGraphViewContextManager::instance();
+    }
+    OssSnNodeGraphWidget *widget() { return manager()->nodeGraphWidget(); }
+
+private slots:
+    void initTestCase()
+    {
+        manager();
+        // The palette is the window of the tab widget, as the shell shows it.
+        widget()->window()->resize(800, 600);
+        widget()->window()->show();
+        QVERIFY(QTest::qWaitForWindowExposed(widget()->window()));
+    }
+
+    void cleanup() { OssProjectManager::instance()->closeProject(); }
+
+    void palettesAreRegistered()
+    {
+        OssPalette *graph = OssPaletteManager::instance()->find(QStringLiteral("Node Graph"));
+        OssPalette *properties =
+            OssPaletteManager::instance()->find(QStringLiteral("Node Properties"));
+        QVERIFY(graph && properties);
+        QCOMPARE(graph->windowTitle(), QStringLiteral("Node Graph"));
+        QCOMPARE(graph->contextHelpKey(), QStringLiteral("node_graph_palette"));
+        QCOMPARE(properties->contextHelpKey(), QStringLiteral("node_properties_palette"));
+        QCOMPARE(graph->originalWidget(), widget());
+        QCOMPARE(OssPaletteManager::instance()->iconPath(graph).section('/', -1),
+                 QStringLiteral("NodeGraph.png"));
+    }
+
+    void scenesAreMadeOnNeedAndGoWithTheirNetwork()
+    {
+        auto *network = new OssShaderNetwork(QStringLiteral("Loose"));
+        QVERIFY(!manager()->hasScene(network));
+        network->createNode(QStringLiteral("Filter/Blur"), QString(), false);
+        QVERIFY(manager()->hasScene(network));
+        QPointer<QGraphicsScene> scene = manager()->sceneForNetwork(network);
+        delete network;
+        QVERIFY(!scene);
+        QVERIFY(!manager()->hasScene(network));
+    }
+
+    void unknownNetworksAndLateDeregistrationsAreQuiet()
+    {
+        OssProjectManager::instance()->newProject();
+        OssProjectManager::instance()->closeProject();
+        QCOMPARE(manager()->sceneCount(), 0);
+        OssDebugCapture capture;
+        QObject stranger;
+        manager()->onShaderNetworkDestroyed(&stranger);
+        OssShaderNetwork loose;
+        OssSnBaseNode node;
+        manager()->onNodeDeregistered(&loose, &node);
+        QVERIFY2(capture.messages().isEmpty(), qPrintable(capture.messages().join('\n')));
+    }
+
+    void switchingNetworksRestoresTheViewRect()
+    {
+        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Head"));
+        OssShadingGroup *second = project->addShadingGroup(QStringLiteral("Eyes_SG"), "Head");
+        OssShaderNetwork *a = project->networks().first();
+        OssShaderNetwork *b = second->network();
+        for (int i = 0; i < 4; ++i)
+            a->createNode(QStringLiteral("Filter/Blur"))->setSelected(false);
+        OssShaderNetworkManager::instance()->setCurrentShaderNetwork(a);
+        OssShaderNetworkView *view = widget()->view();
+        view->scaleView(0.5);
+        view->centerOn(1234, 567);
+        const QRectF shown = view->viewportInSceneCoords();
+        OssShaderNetworkManager::instance()->setCurrentShaderNetwork(b);
+        QCOMPARE(view->network(), b);
+        QCOMPARE(manager()->viewRect(a), shown);
+        OssShaderNetworkManager::instance()->setCurrentShaderNetwork(a);
+        QCOMPARE(view->network(), a);
+        QVERIFY(qAbs(view->viewportInSceneCoords().center().x() - shown.center().x()) < 2);
+        QVERIFY(qAbs(view->viewportInSceneCoords().center().y() - shown.center().y()) < 2);
+        QCOMPARE(OssShaderNetworkManager::instance()->currentViewNetwork(), a);
+    }
+
+    void collapsedModeActionOnlyTouchesStreamNodes()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        OssSnBaseNode *plain = network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *group = network->createNode(QStringLiteral("Misc/Multi Channel Group"));
+        plain->setSelected(true);
+        group->setSelected(true);
+        QAction action;
+        action.setProperty("Mode", 1);
+        connect(&action, SIGNAL(triggered()), manager(), SLOT(onNodeCollapsedModeChanged()));
+        const int plainMode = OssSnNodeGraphViewContext::of(plain)->portListModeAsInt();
+        action.trigger();
+        QCOMPARE(OssSnNodeGraphViewContext::of(group)->portListModeAsInt(), 1);
+        QCOMPARE(OssSnNodeGraphViewContext::of(plain)->portListModeAsInt(), plainMode);
+        OssDebugCapture capture;
+        manager()->onNodeCollapsedModeChanged();
+        QVERIFY(capture.contains("sender() is NULL"));
+    }
+
+    void rootTabText_data()
+    {
+        QTest::addColumn<QString>("entity");
+        QTest::addColumn<QString>("text");
+        const QString forty(40, QLatin1Char('e'));
+        const QString fortyOne = QStringLiteral("abcdefghijklmnopqrst") + QLatin1Char('X') +
+                                 QStringLiteral("ABCDEFGHIJKLMNOPQRST");
+        QTest::newRow("no entity") << QString() << "Root";
+        QTest::newRow("short") << "Helmet"
+                               << "Helmet - Root";
+        QTest::newRow("forty") << forty << forty + " - Root";
+        QTest::newRow("forty-one")
+            << fortyOne << "abcdefghijklmnopqrst...ABCDEFGHIJKLMNOPQRST - Root";
+    }
+
+    void rootTabText()
+    {
+        QFETCH(QString, entity);
+        QFETCH(QString, text);
+        OssProject *project = OssProjectManager::instance()->newProject(
+            entity.isEmpty() ? QStringLiteral("x") : entity);
+        OssShaderNetwork *network = project->networks().first();
+        if (entity.isEmpty())
+            project->shadingGroups().first()->setEntityName(QStringLiteral("missing"));
+        widget()->updateRootLevelText(network);
+        QCOMPARE(widget()->tabText(0), text);
+        QCOMPARE(widget()->tabToolTip(0), entity);
+    }
+
+    void rootTabCannotBeClosed()
+    {
+        QCOMPARE(widget()->currentView(), widget()->view());
+        for (QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide}) {
+            QWidget *button = widget()->tabBar()->tabButton(0, side);
+            QVERIFY(!button || button->isHidden());
+        }
+    }
+
+    void groupTabsCloseAndTabChangesFollow()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        auto *group = qobject_cast<OssSnGroupNode *>(network->createNode("Misc/Group"));
+        emit group->openNodeGraph();
+        QCOMPARE(widget()->count(), 2);
+        QPointer<OssShaderNetworkView> groupView = widget()->currentView();
+        QCOMPARE(OssShaderNetworkManager::instance()->currentViewNetwork(), group->groupNetwork());
+        OssDebugCapture capture;
+        emit widget()->tabCloseRequested(1);
+        QCOMPARE(widget()->count(), 1);
+        QVERIFY(groupView);
+        QCOMPARE(OssShaderNetworkManager::instance()->currentViewNetwork(), network);
+        QCOMPARE(capture.count(QStringLiteral("[ -- ] Nodegraph navigation set to 'Kova'")), 1);
+        // Opening again adds the tab anew at the end; the lower of two tabs of one network wins.
+        emit group->openNodeGraph();
+        QCOMPARE(widget()->count(), 2);
+        widget()->setCurrentIndex(0);
+        widget()->selectTabForNetwork(group->groupNetwork());
+        QCOMPARE(widget()->currentIndex(), 1);
+        widget()->selectTabForNetwork(nullptr);
+        QCOMPARE(widget()->currentIndex(), 1);
+    }
+
+    void framingNeverMagnifies_data()
+    {
+        QTest::addColumn<int>("nodes");
+        QTest::newRow("empty scene") << 0;
+        QTest::newRow("one small node") << 1;
+    }
+
+    void framingNeverMagnifies()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        QFETCH(int, nodes);
+        for (int i = 0; i < nodes; ++i)
+            network->createNode(QStringLiteral("Misc/Dot"));
+        OssShaderNetworkView *view = widget()->view();
+        view->frameNodes();
+        QVERIFY2(float(view->transform().m11()) <= 1.0f,
+                 qPrintable(QString::number(view->transform().m11(), 'g', 17)));
+        view->frameSelectedNodes();
+        QVERIFY(float(view->transform().m11()) <= 1.0f);
+    }
+
+    void fitAndEnsureVisibleLog()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        network->createNode(QStringLiteral("Filter/Blur"));
+        OssDebugCapture capture;
+        widget()->view()->fitToViewAction();
+        widget()->view()->ensureIsVisibleAction();
+        QVERIFY(capture.messages().value(0).startsWith("[ !! ] --FIT TO VIEW[lt("));
+        QVERIFY(capture.messages().value(1).startsWith("[ !! ] --POST FIT scale  "));
+        QVERIFY(capture.messages().last().startsWith("[ !! ] --ENSURING IS VISIBLE [lt("));
+        OssShaderNetworkView bare;
+        OssDebugCapture second;
+        bare.fitToViewAction();
+        QVERIFY(second.contains("scene() is NULL"));
+    }
+
+    void preferencesReachEveryView()
+    {
+        OssShaderNetworkView other;
+        // The views bind to the manager half a second after they are made.
+        QTRY_VERIFY_WITH_TIMEOUT(other.transformationAnchor() == QGraphicsView::AnchorUnderMouse ||
+                                     other.transformationAnchor() ==
+                                         QGraphicsView::AnchorViewCenter,
+                                 2000);
+        QTest::qWait(600);
+        manager()->setZoomTo(OssSnNodeGraphViewContextManager::Center);
+        QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorViewCenter);
+        QCOMPARE(widget()->view()->transformationAnchor(), QGraphicsView::AnchorViewCenter);
+        manager()->setZoomTo(OssSnNodeGraphViewContextManager::Cursor);
+        QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        manager()->setZoomTo(7);
+        QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+
+        other.setCursorTrackingMode(2);
+        manager()->setShakeToExtractEnabled(false);
+        QCOMPARE(other.cursorTrackingMode(), 0);
+        other.setCursorTrackingMode(1);
+        manager()->setShakeToExtractEnabled(true);
+        manager()->setShakeToExtractEnabled(false);
+        QCOMPARE(other.cursorTrackingMode(), 1);
+        manager()->resetShakeToExtractEnabled();
+    }
+
+    void aViewGoneBeforeBindingNeverBinds()
+    {
+        auto *early = new OssShaderNetworkView;
+        delete early;
+        QTest::qWait(600);
+        // Preference changes after the timer would have fired reach only live views.
+        manager()->setZoomTo(OssSnNodeGraphViewContextManager::Center);
+        manager()->resetZoomTo();
+    }
+
+    void setNetworkNullLeavesUpdates()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        OssShaderNetworkView view;
+        view.setNetwork(network);
+        network->setAllowViewUpdate(false);
+        QVERIFY(!view.updatesEnabled());
+        view.setNetwork(nullptr);
+        network->setAllowViewUpdate(true);
+        QVERIFY(!view.updatesEnabled());
+    }
+
+    void nodeCreationActions_data()
+    {
+        QTest::addColumn<QString>("menuPath");
+        QTest::addColumn<bool>("made");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("ordinary") << "Filter/Blur" << true << "/Ossa/NodeGraph/Create/Filter"
+                                  << "Blur";
+        QTest::newRow("empty parts") << "Filter//Blur/" << true << "/Ossa/NodeGraph/Create/Filter"
+                                     << "Blur";
+        QTest::newRow("hidden folder") << "_Hidden/Foo" << false << ""
+                                       << "";
+        QTest::newRow("one component") << "Foo" << true << "/Ossa/NodeGraph/Create/"
+                                       << "Foo";
+        QTest::newRow("empty") << "" << false << ""
+                               << "";
+    }
+
+    void nodeCreationActions()
+    {
+        QFETCH(QString, menuPath);
+        QFETCH(bool, made);
+        QFETCH(QString, folder);
+        QFETCH(QString, text);
+        QString gotFolder, gotText;
+        QCOMPARE(OssSnNodeCreationActions::folderAndText(menuPath, &gotFolder, &gotText), made);
+        if (made) {
+            QCOMPARE(gotFolder, folder);
+            QCOMPARE(gotText, text);
+        }
+    }
+
+    void nodeCreationActionsAreMadeOnce()
+    {
+        QObject owner;
+        const QList<QAction *> first =
+            OssSnNodeCreationActions::create(&owner, SLOT(deleteLater()));
+        QVERIFY(!first.isEmpty());
+        OssActionTreeManager *tree = OssActionTreeManager::instance();
+        QVERIFY(tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Create/Filter/Blur")));
+        QVERIFY(!tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Create/_Hidden/Legacy Blend")));
+        QCOMPARE(tree->findAction(QStringLiteral("/Ossa/NodeGraph/Create/Filter/Blur"))->data(),
+                 QVariant(QStringLiteral("Filter/Blur")));
+        QVERIFY(OssSnNodeCreationActions::create(&owner, SLOT(deleteLater())).isEmpty());
+        // A type registered at run time gets its action on the next run.
+        OssSnNodeType type = *OssSnNodeTypeCatalogue::instance()->type("Filter/Blur");
+        type.pathKey = type.menuPath = QStringLiteral("Filter/Softer Blur");
+        type.versionUuid = QStringLiteral("OSS_Test_Softer_Blur");
+        QVERIFY(OssSnNodeTypeCatalogue::instance()->addType(type));
+        QCOMPARE(OssSnNodeCreationActions::create(&owner, SLOT(deleteLater())).size(), 1);
+        OssSnNodeTypeCatalogue::instance()->removeType(type.pathKey);
+    }
+
+    void creatingFromAnActionIsOneStep()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        QAction action;
+        action.setData(QStringLiteral("Filter/Blur"));
+        OssShaderNetworkView *view = widget()->view();
+        OssSnBaseNode *node = view->createNodeFromAction(&action);
+        QVERIFY(node);
+        QCOMPARE(network->nodes(), QList<OssSnBaseNode *>{node});
+        QVERIFY(node->selected());
+        QCOMPARE(OssUndoManager::instance()->count(), 1);
+        OssUndoManager::instance()->undo();
+        QVERIFY(network->nodes().isEmpty());
+    }
+
+    void autoplaceLaysOutColumnsAsOneStep()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        OssSnBaseNode *a = network->createNode(QStringLiteral("Filter/Blur"), "A");
+        OssSnBaseNode *b = network->createNode(QStringLiteral("Filter/Blur"), "B");
+        OssSnBaseNode *c = network->createNode(QStringLiteral("Filter/Blur"), "C");
+        QVERIFY(a->connectInput("Input", b, "Output"));
+        QVERIFY(b->connectInput("Input", c, "Output"));
+        OssNgNode *ga = OssSnNodeGraphViewContext::guiNodeOf(a);
+        OssNgNode *gb = OssSnNodeGraphViewContext::guiNodeOf(b);
+        OssNgNode *gc = OssSnNodeGraphViewContext::guiNodeOf(c);
+        ga->setPos(500, 300);
+        OssUndoManager::instance()->clear();
+        manager()->beautifyNodesLayout(network, QList<OssSnBaseNode *>{a});
+        QCOMPARE(OssUndoManager::instance()->count(), 1);
+        QCOMPARE(ga->pos(), QPointF(500, 300));
+        const qreal width = ga->sceneBoundingRect().width();
+        QCOMPARE(gb->sceneBoundingRect().right(), ga->sceneBoundingRect().left() - 150.0);
+        QCOMPARE(gc->sceneBoundingRect().right(), gb->sceneBoundingRect().left() - 150.0);
+        QVERIFY(gb->pos().y() >= ga->pos().y());
+        Q_UNUSED(width);
+        OssUndoManager::instance()->undo();
+        QVERIFY(gb->sceneBoundingRect().right() != ga->sceneBoundingRect().left() - 150.0);
+        OssDebugCapture capture;
+        OssShaderNetwork empty;
+        manager()->beautifyNodesLayout(&empty, QList<OssSnBaseNode *>(), true);
+        QVERIFY(capture.contains("[ !! ] Nothing to autoplace."));
+    }
+};
+
+QTEST_MAIN(tst_ViewContextManager)
+#include "tst_ViewContextManager.moc"
