@@ -2,10 +2,19 @@
 #include "OssPluginInterface.h"
 #include "OssTestEnvironment.h"
 
+#include <OssActionTreeManager.h>
+#include <OssPalette.h>
+#include <OssProject.h>
+#include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssShaderNetworkManager.h>
 #include <QFile>
 #include <QJsonObject>
 #include <QPluginLoader>
 #include <QtEndian>
+
+#include <QAction>
+#include <QLineEdit>
 #include <QtTest>
 
 namespace {
@@ -108,6 +117,35 @@ private slots:
         QVERIFY(plugin->initialize());
         QCOMPARE(capture.messages().value(0),
                  QStringLiteral("[ Plugin ] Shader Network - Node Graph View Context"));
+
+        // Start-up made one creation action per creatable type, none for hidden folders.
+        OssActionTreeManager *tree = OssActionTreeManager::instance();
+        QVERIFY(tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Create/Filter/Blur")));
+        QVERIFY(tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Create/Misc/Backdrop")));
+        for (const QString &folder : tree->folders())
+            QVERIFY2(!folder.startsWith(QStringLiteral("/Ossa/NodeGraph/Create/_")),
+                     qPrintable(folder));
+        const int actions = tree->actions(QStringLiteral("/Ossa/NodeGraph/Create/Filter")).size();
+        // A change of the node population runs the creation again: no duplicates.
+        emit OssShaderNetworkManager::instance()->registeredNodePopulationChanged();
+        QCOMPARE(tree->actions(QStringLiteral("/Ossa/NodeGraph/Create/Filter")).size(), actions);
+        QVERIFY(OssPaletteManager::instance()->find(QStringLiteral("Node Graph")));
+
+        // An action fired while focus is outside the node graph runs on the current view.
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        QLineEdit field;
+        field.show();
+        field.setFocus();
+        QVERIFY(QTest::qWaitForWindowExposed(&field));
+        QApplication::setActiveWindow(&field);
+        OssDebugCapture fallback;
+        tree->findAction(QStringLiteral("/Ossa/NodeGraph/Create/Filter/Blur"))->trigger();
+        QVERIFY(fallback.messages().value(0).startsWith(
+            "[ !! ] Could not get the current active widget, fallback onto current nodegraph "
+            "view 0x"));
+        QCOMPARE(network->nodes().size(), 1);
+        QCOMPARE(network->nodes().first()->pathKey(), QStringLiteral("Filter/Blur"));
+        OssProjectManager::instance()->closeProject();
         QVERIFY(plugin->uninitialize());
     }
 
