@@ -28,6 +28,8 @@ void BaselineSystem::build(const BenchGraph &graph)
     m_scene = new QGraphicsScene;
     m_view = new QGraphicsView(m_scene);
     m_view->resize(1920, 1080);
+    // Shown, as a view the user works in is: repaints then really paint.
+    m_view->show();
     m_view->setRenderHint(QPainter::Antialiasing);
     QVector<QGraphicsRectItem *> items;
     items.reserve(graph.nodes.size());

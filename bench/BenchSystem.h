@@ -68,3 +68,27 @@ private:
     QGraphicsView *m_view = nullptr;
     QVector<OssNgNode *> m_nodes;
 };
+
+class OssShaderNetwork;
+class OssSnBaseNode;
+
+// The whole system: host network, plug-in view contexts and GUI nodes, the plug-in's view.
+class PluginSystem : public BenchSystem
+{
+public:
+    PluginSystem();
+    ~PluginSystem() override;
+    QString name() const override { return QStringLiteral("ours"); }
+    void build(const BenchGraph &graph) override;
+    void tearDown() override;
+    QGraphicsScene *scene() const override;
+    QGraphicsView *view() const override;
+    QPointF nodeCenter(int index) const override;
+    void selectNodes(int count) override;
+    OssShaderNetwork *network() const { return m_network; }
+    QVector<OssSnBaseNode *> nodes() const { return m_nodes; }
+
+private:
+    OssShaderNetwork *m_network = nullptr;
+    QVector<OssSnBaseNode *> m_nodes;
+};

@@ -23,6 +23,7 @@ void NodeGraphSystem::build(const BenchGraph &graph)
     view->setScene(m_scene);
     view->init();
     view->resize(1920, 1080);
+    view->show();
     m_view = view;
     QVector<OssNgNode *> nodes;
     nodes.reserve(graph.nodes.size());

@@ -2,6 +2,20 @@
 // several graph sizes, and prints a table plus one machine-readable line per scenario:
 //   scenario <name> <N> <ours_ms> <baseline_ms> <ratio>
 #include "BenchSystem.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssUndoManager.h>
+
+#include <OssDebug.h>
+#include <OssSettings.h>
+
+#include <QDir>
+#include <QGraphicsRectItem>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -196,6 +210,71 @@ public:
         return median(times);
     }
 
+    // The lower bound of a layout: longest-path columns of the same edges, positions set.
+    void longestPathLayout(BenchSystem &system)
+    {
+        const int count = m_graph.nodes.size();
+        QVector<int> depth(count, 0);
+        // Edges run from a node to one with a smaller index in both generated graphs; walking
+        // the nodes in index order settles each depth before it is used.
+        QVector<QVector<int>> sources(count);
+        for (const BenchGraph::Edge &edge : m_graph.edges)
+            sources[edge.to].append(edge.from);
+        for (int i = 0; i < count; ++i)
+            for (int from : sources.at(i))
+                depth[from] = qMax(depth[from], depth[i] + 1);
+        QVector<int> rows(count + 1, 0);
+        const QList<QGraphicsItem *> items = system.scene()->items(Qt::AscendingOrder);
+        int index = 0;
+        for (QGraphicsItem *item : items) {
+            if (item->parentItem() || item->type() != QGraphicsRectItem::Type)
+                continue;
+            if (index >= count)
+                break;
+            item->setPos(-depth[index] * 350.0, rows[depth[index]]++ * 140.0);
+            ++index;
+        }
+    }
+
+    // Writing and reading one element per node and edge with Qt's XML stream classes.
+    double plainXmlRoundTrip(const QString &path)
+    {
+        return elapsedMs([&] {
+            {
+                QFile file(path);
+                file.open(QIODevice::WriteOnly);
+                QXmlStreamWriter writer(&file);
+                writer.writeStartDocument();
+                writer.writeStartElement(QStringLiteral("graph"));
+                for (int i = 0; i < m_graph.nodes.size(); ++i) {
+                    writer.writeStartElement(QStringLiteral("node"));
+                    writer.writeAttribute(QStringLiteral("name"), QString::number(i));
+                    writer.writeAttribute(QStringLiteral("x"),
+                                          QString::number(m_graph.nodes[i].position.x()));
+                    writer.writeAttribute(QStringLiteral("y"),
+                                          QString::number(m_graph.nodes[i].position.y()));
+                    writer.writeEndElement();
+                }
+                for (const BenchGraph::Edge &edge : m_graph.edges) {
+                    writer.writeStartElement(QStringLiteral("edge"));
+                    writer.writeAttribute(QStringLiteral("from"), QString::number(edge.from));
+                    writer.writeAttribute(QStringLiteral("to"), QString::number(edge.to));
+                    writer.writeEndElement();
+                }
+                writer.writeEndDocument();
+            }
+            QFile file(path);
+            file.open(QIODevice::ReadOnly);
+            QXmlStreamReader reader(&file);
+            QVector<QPointF> positions;
+            while (!reader.atEnd())
+                if (reader.readNext() == QXmlStreamReader::StartElement &&
+                    reader.name() == QLatin1String("node"))
+                    positions.append(QPointF(reader.attributes().value("x").toDouble(),
+                                             reader.attributes().value("y").toDouble()));
+        });
+    }
+
 private:
     const BenchGraph &m_graph;
     int m_runs;
@@ -208,6 +287,10 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    // The benchmark never touches the user's settings.
+    QTemporaryDir settings;
+    OssSettings::setStorageDirectory(settings.path());
+    OssDebugSinks::setEchoToStandardError(false);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Node graph benchmarks"));
     parser.addHelpOption();
@@ -234,7 +317,8 @@ int main(int argc, char **argv)
             artist ? BenchGraph::artistNetwork(size) : BenchGraph::binaryTree(size);
         Bench bench(graph, runs);
         BaselineSystem baseline;
-        NodeGraphSystem ours;
+        PluginSystem ours;
+        NodeGraphSystem library;
         const std::vector<std::pair<QString, std::function<double(BenchSystem &)>>> scenarios{
             {QStringLiteral("memory_kb_per_node"),
              [&](BenchSystem &s) { return bench.memoryPerNode(s); }},
@@ -255,7 +339,52 @@ int main(int argc, char **argv)
         for (size_t i = 0; i < scenarios.size(); ++i)
             results.push_back(
                 Result{scenarios[i].first, size, scenarios[i].second(ours), baseFigures[i]});
+
+        // Commands of the whole system, each against a baseline of the same run.
+        ours.build(graph);
+        settle(ours);
+        // Autoplace against a longest-path column layout of the same edges on the baseline.
+        const double layoutFloor = [&] {
+            baseline.build(graph);
+            const double ms = elapsedMs([&] { bench.longestPathLayout(baseline); });
+            baseline.tearDown();
+            return ms;
+        }();
+        const double autoplace = elapsedMs([&] {
+            OssSnNodeGraphViewContextManager::instance()->beautifyNodesLayout(
+                ours.network(), QList<OssSnBaseNode *>(), true);
+        });
+        results.push_back(Result{QStringLiteral("autoplace"), size, autoplace, layoutFloor});
+        // Undo and redo of removing every node, against the removal itself.
+        const double removal = elapsedMs([&] {
+            const QVector<OssSnBaseNode *> all = ours.nodes();
+            ours.network()->removeNodes(QList<OssSnBaseNode *>(all.begin(), all.end()));
+        });
+        const double undoRedo = elapsedMs([&] {
+            OssUndoManager::instance()->undo();
+            OssUndoManager::instance()->redo();
+        });
+        results.push_back(Result{QStringLiteral("undo_redo_remove_all"), size, undoRedo, removal});
+        OssUndoManager::instance()->undo();
+        // Save, close and open again, against writing and reading the scene's items as XML.
+        const QString path = QDir::temp().filePath(QStringLiteral("ossa-bench.ossa"));
+        const double saveLoad = elapsedMs([&] {
+            QString error;
+            OssProjectManager::instance()->saveProject(path, &error);
+            OssProjectManager::instance()->closeProject();
+            OssProjectManager::instance()->openProject(path, &error);
+        });
+        const double xmlFloor = bench.plainXmlRoundTrip(path + QStringLiteral(".xml"));
+        results.push_back(Result{QStringLiteral("save_close_load"), size, saveLoad, xmlFloor});
         ours.tearDown();
+        QFile::remove(path);
+        QFile::remove(path + QStringLiteral(".xml"));
+
+        // The node-graph library alone, for comparison with the whole system.
+        for (size_t i = 1; i < scenarios.size(); ++i)
+            results.push_back(Result{QStringLiteral("gui_") + scenarios[i].first, size,
+                                     scenarios[i].second(library), baseFigures[i]});
+        library.tearDown();
     }
 
     auto figure = [](double value) {
