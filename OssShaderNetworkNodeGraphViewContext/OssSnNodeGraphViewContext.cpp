@@ -227,10 +227,10 @@ void OssSnNodeGraphViewContext::initializeGui()
     OssNgNode *gui = guiItem();
     if (!gui || !node)
         return;
-    connect(node, SIGNAL(selectedChanged(bool)), this, SLOT(selectGuiNode(bool)));
+    connect(node, &OssSnBaseNode::selectedChanged, this, &OssSnNodeGraphViewContext::selectGuiNode);
     applySelection(node->selected());
-    connect(node, SIGNAL(viewerNodeCurrentEdgeChanged(int)), this,
-            SLOT(onViewerNodeCurrentEdgeChanged(int)));
+    connect(node, &OssSnBaseNode::viewerNodeCurrentEdgeChanged, this,
+            &OssSnNodeGraphViewContext::onViewerNodeCurrentEdgeChanged);
 
     applyColours();
     if (OssNgExtendedNode *extended = extendedNode()) {
@@ -261,78 +261,53 @@ void OssSnNodeGraphViewContext::initializeGui()
     gui->setConnectionPositions(m_inputPositions, m_outputPositions);
     buildPorts();
 
-    // Wiring: every change of the business node reaches the GUI node.
-    const struct
-    {
-        const char *signal;
-        const char *slot;
-    } wiring[] = {
-        {SIGNAL(nameChanged(QString)), SLOT(setText(QString))},
-        {SIGNAL(descriptionChanged(QString)), SLOT(setToolTip(QString))},
-        {SIGNAL(enabledChanged(int)), SLOT(updateGuiEdgesBypassStates())},
-        {SIGNAL(cacheActiveChanged(OssSnBaseNodeCacheActiveState)), SLOT(cachedChanged())},
-        {SIGNAL(inputNodeChanged(QString, OssSnBaseNode *, QString)),
-         SLOT(onParentNodeInputChange(QString, OssSnBaseNode *, QString))},
-        {SIGNAL(outputNodeDetached(QString)), SLOT(onParentNodeDetachOutput(QString))},
-        {SIGNAL(inputAdded(QString)), SLOT(onParentNodeInputAdded(QString))},
-        {SIGNAL(inputListAdded(QStringList)), SLOT(onParentNodeInputListAdded(QStringList))},
-        {SIGNAL(inputsRefreshed()), SLOT(onParentNodeInputsRefreshed())},
-        {SIGNAL(outputsRefreshed()), SLOT(onParentNodeOutputsRefreshed())},
-        {SIGNAL(inputOrderChanged(QStringList)), SLOT(onParentNodeInputListAdded(QStringList))},
-        {SIGNAL(nodeInputRenamed(QString, QString)),
-         SLOT(onParentNodeInputRenamed(QString, QString))},
-        {SIGNAL(inputRemoved(QString)), SLOT(onParentNodeInputRemoved(QString))},
-        {SIGNAL(inputEnabledChanged(QString, bool)), SLOT(onInputEnabledChanged(QString, bool))},
-        {SIGNAL(outputPointAdded(QString)), SLOT(onParentNodeOutputPointAdded(QString))},
-        {SIGNAL(outputPointRemoved(QString)), SLOT(onParentNodeOutputPointRemoved(QString))},
-        {SIGNAL(outputPointUsed(QString)), SLOT(onParentNodeOutputPointUsed(QString))},
-        {SIGNAL(outputPointFreed(QString)), SLOT(onParentNodeOutputPointFreed(QString))},
-        {SIGNAL(outputPointRenamed(QString, QString)),
-         SLOT(onParentNodeOutputPointRenamed(QString, QString))},
-        {SIGNAL(guiActiveChanged(bool)), SLOT(onParentNodeGuiActiveChanged(bool))},
-        {SIGNAL(shaderModelChanged()), SLOT(updateDescriptiveNames())},
-        {SIGNAL(emitSetLayout(OssSnBaseNode::NodeLayoutType, OssSnBaseNode *, bool, bool)),
-         SLOT(onSetLayout(OssSnBaseNode::NodeLayoutType, OssSnBaseNode *, bool, bool))},
-        {SIGNAL(nodePositionedManual(OssSnBaseNode *, QPointF)),
-         SLOT(onNodePositionedManual(OssSnBaseNode *, QPointF))},
-        {SIGNAL(nodePositionedUnderneath(OssSnBaseNode *, int)),
-         SLOT(onNodePositionedUnderneath(OssSnBaseNode *, int))},
-        {SIGNAL(nodePositionedNextTo(OssSnBaseNode *)),
-         SLOT(onNodePositionedNextTo(OssSnBaseNode *))},
-        {SIGNAL(nodeSyncedUnderneathNode(OssSnBaseNode *, bool)),
-         SLOT(onNodeSyncedUnderneathNode(OssSnBaseNode *, bool))},
-        {SIGNAL(nodePositionedOnTopIdented(OssSnBaseNode *)),
-         SLOT(onNodePositionedOnTopIdented(OssSnBaseNode *))},
-        {SIGNAL(uniformariseContainers(QList<OssSnBaseNode *>)),
-         SLOT(onUniformariseContainers(QList<OssSnBaseNode *>))},
-    };
-    for (const auto &entry : wiring)
-        if (!connect(node, entry.signal, this, entry.slot))
-            OSS_DEBUG("[ !! ] Cannot connect %s to %s", entry.signal, entry.slot);
+    // Wiring: every change of the business node reaches the GUI node. Member-function
+    // connections: a network of thousands of nodes makes tens of thousands of them.
+    using Ctx = OssSnNodeGraphViewContext;
+    using Node = OssSnBaseNode;
+    connect(node, &Node::nameChanged, this, &Ctx::setText);
+    connect(node, &Node::descriptionChanged, this, &Ctx::setToolTip);
+    connect(node, &Node::enabledChanged, this, &Ctx::updateGuiEdgesBypassStates);
+    connect(node, &Node::cacheActiveChanged, this, &Ctx::cachedChanged);
+    connect(node, &Node::inputNodeChanged, this, &Ctx::onParentNodeInputChange);
+    connect(node, &Node::outputNodeDetached, this, &Ctx::onParentNodeDetachOutput);
+    connect(node, &Node::inputAdded, this, &Ctx::onParentNodeInputAdded);
+    connect(node, &Node::inputListAdded, this, &Ctx::onParentNodeInputListAdded);
+    connect(node, &Node::inputsRefreshed, this, qOverload<>(&Ctx::onParentNodeInputsRefreshed));
+    connect(node, &Node::outputsRefreshed, this, qOverload<>(&Ctx::onParentNodeOutputsRefreshed));
+    // Reordering re-adds the list: the reuse is deliberate.
+    connect(node, &Node::inputOrderChanged, this, &Ctx::onParentNodeInputListAdded);
+    connect(node, &Node::nodeInputRenamed, this, &Ctx::onParentNodeInputRenamed);
+    connect(node, &Node::inputRemoved, this, &Ctx::onParentNodeInputRemoved);
+    connect(node, &Node::inputEnabledChanged, this, &Ctx::onInputEnabledChanged);
+    connect(node, &Node::outputPointAdded, this, &Ctx::onParentNodeOutputPointAdded);
+    connect(node, &Node::outputPointRemoved, this, &Ctx::onParentNodeOutputPointRemoved);
+    connect(node, &Node::outputPointUsed, this, &Ctx::onParentNodeOutputPointUsed);
+    connect(node, &Node::outputPointFreed, this, &Ctx::onParentNodeOutputPointFreed);
+    connect(node, &Node::outputPointRenamed, this, &Ctx::onParentNodeOutputPointRenamed);
+    connect(node, &Node::guiActiveChanged, this, &Ctx::onParentNodeGuiActiveChanged);
+    connect(node, &Node::shaderModelChanged, this, &Ctx::updateDescriptiveNames);
+    connect(node, &Node::emitSetLayout, this, &Ctx::onSetLayout);
+    connect(node, &Node::nodePositionedManual, this, &Ctx::onNodePositionedManual);
+    connect(node, &Node::nodePositionedUnderneath, this, &Ctx::onNodePositionedUnderneath);
+    connect(node, &Node::nodePositionedNextTo, this, &Ctx::onNodePositionedNextTo);
+    connect(node, &Node::nodeSyncedUnderneathNode, this, &Ctx::onNodeSyncedUnderneathNode);
+    connect(node, &Node::nodePositionedOnTopIdented, this, &Ctx::onNodePositionedOnTopIdented);
+    connect(node, &Node::uniformariseContainers, this, &Ctx::onUniformariseContainers);
     if (OssNgExtendedNode *extended = extendedNode())
         connect(extended, &OssNgExtendedNode::nodePortListModeChanged, this,
-                qOverload<int>(&OssSnNodeGraphViewContext::setPortListMode));
-    connect(gui, &OssNgNode::inputSourceChanged, this,
-            &OssSnNodeGraphViewContext::onGuiNodeInputChange);
-    connect(gui, &OssNgNode::posChanged, this, &OssSnNodeGraphViewContext::onGuiNodePosChanged);
-    connect(gui, &OssNgNode::clickedOnDotableMarkerOnEdge, this,
-            &OssSnNodeGraphViewContext::onDotableMarkerClicked);
-    const struct
-    {
-        const char *signal;
-        const char *slot;
-    } more[] = {
-        {SIGNAL(inputConnectionIsShared(QString)), SLOT(onParentInputIsShared(QString))},
-        {SIGNAL(systemShaderStatusSync()), SLOT(onUpdateSystemShaderStatus())},
-        {SIGNAL(attachViewerToNode(int)), SLOT(onViewerAttachedToNode(int))},
-        {SIGNAL(viewerNodeRequestUpdateVirtualEdge()), SLOT(updateViewerNodeVirtualEdge())},
-        {SIGNAL(newNodeAdded()), SLOT(placeNode())},
-        {SIGNAL(newNodeAdded()), SLOT(onNewNodeAdded())},
-        {SIGNAL(gotoNode()), SLOT(gotoNode())},
-    };
-    for (const auto &entry : more)
-        if (!connect(node, entry.signal, this, entry.slot))
-            OSS_DEBUG("[ !! ] Cannot connect %s to %s", entry.signal, entry.slot);
+                qOverload<int>(&Ctx::setPortListMode));
+    connect(gui, &OssNgNode::inputSourceChanged, this, &Ctx::onGuiNodeInputChange);
+    connect(gui, &OssNgNode::posChanged, this, &Ctx::onGuiNodePosChanged);
+    connect(gui, &OssNgNode::clickedOnDotableMarkerOnEdge, this, &Ctx::onDotableMarkerClicked);
+    connect(node, &Node::inputConnectionIsShared, this, &Ctx::onParentInputIsShared);
+    connect(node, &Node::systemShaderStatusSync, this, &Ctx::onUpdateSystemShaderStatus);
+    connect(node, &Node::attachViewerToNode, this, &Ctx::onViewerAttachedToNode);
+    connect(node, &Node::viewerNodeRequestUpdateVirtualEdge, this,
+            &Ctx::updateViewerNodeVirtualEdge);
+    connect(node, &Node::newNodeAdded, this, &Ctx::placeNode);
+    connect(node, &Node::newNodeAdded, this, &Ctx::onNewNodeAdded);
+    connect(node, &Node::gotoNode, this, &Ctx::gotoNode);
     connect(OssNgStyle::instance(), &OssNgStyle::colorsUpdated, this,
             &OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed);
     m_wired = true;
