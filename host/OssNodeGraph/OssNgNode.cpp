@@ -910,7 +910,9 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         painter->drawRoundedRect(body, 5, 5);
         break;
     }
-    painter->setPen(style->textColor());
-    painter->drawText(body, Qt::AlignCenter, m_text);
+    if (detail >= style->textThreshold()) {
+        painter->setPen(style->textColor());
+        painter->drawText(body, Qt::AlignCenter, m_text);
+    }
     paintPorts(painter, detail > 0.6);
 }

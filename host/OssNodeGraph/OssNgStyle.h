@@ -45,8 +45,10 @@ public:
     double verticalSpacingFactor() const { return 0.5; }
     // Horizontal spacing between a backdrop and the node it is placed beside.
     int horizontalSpacing() const { return 60; }
-    // Below this zoom, nodes and edges are drawn as plain shapes without text.
-    double levelOfDetailThreshold() const { return 0.35; }
+    // Below this zoom, nodes and edges are drawn as plain shapes without ports or text.
+    double levelOfDetailThreshold() const { return 0.15; }
+    // Below this zoom, nodes show their ports but no text.
+    double textThreshold() const { return 0.45; }
 
 signals:
     void colorsUpdated();
