@@ -253,13 +253,13 @@ void OssSnNodeGraphViewContext::initializeGui()
         }
     }
     updateDescriptiveNames();
-    gui->setConnectionTextPositions(m_inputTextPositions, m_outputTextPositions);
-    if (m_inputPositions.isEmpty())
-        m_inputPositions = m_inputNodeInitialPos;
-    if (m_outputPositions.isEmpty())
-        m_outputPositions = m_outputNodeInitialPos;
-    gui->setConnectionPositions(m_inputPositions, m_outputPositions);
     buildPorts();
+    calculateEdgesUI(node->inputNames(), false, m_inputNodeInitialPos, m_inputTextPositions,
+                     m_inputPositions);
+    calculateEdgesUI(node->outputPointNames(), true, m_outputNodeInitialPos, m_outputTextPositions,
+                     m_outputPositions);
+    gui->setConnectionTextPositions(m_inputTextPositions, m_outputTextPositions);
+    gui->setConnectionPositions(m_inputPositions, m_outputPositions);
 
     // Wiring: every change of the business node reaches the GUI node. Member-function
     // connections: a network of thousands of nodes makes tens of thousands of them.
@@ -889,6 +889,26 @@ void OssSnNodeGraphViewContext::onNewNodeAdded()
 {
     if (qobject_cast<OssSnMultiChannelGroupNode *>(parentNode()))
         setPortListMode(OssSnNodeGraphViewContextManager::instance()->defaultMCMCollapsedState());
+}
+
+void OssSnNodeGraphViewContext::calculateEdgesUI(QStringList Edges, bool OutputEdge,
+                                                 const OssSnInitialPositionMap &InitialPositionMap,
+                                                 const OssSnTextPositionMap &InitialTextPositionMap,
+                                                 OssSnInitialPositionMap &PositionMap, int Factor)
+{
+    QVector<int> multipliers;
+    int minimum = Edges.size();
+    calculateEdgeMultipliers(multipliers, minimum, Edges.size());
+    OssSnTextPositionMap &texts = OutputEdge ? m_outputTextPositions : m_inputTextPositions;
+    for (int i = 0; i < Edges.size(); ++i) {
+        const QString &edge = Edges.at(i);
+        // Without an initial stub the edge leaves straight out of its side.
+        QPair<QPoint, QPoint> stub = InitialPositionMap.value(
+            edge, qMakePair(QPoint(0, 0), QPoint(OutputEdge ? 40 : -40, 0)));
+        stub.second += QPoint(0, multipliers.at(i) * 12 * Factor);
+        PositionMap.insert(edge, stub);
+        texts.insert(edge, InitialTextPositionMap.value(edge, 0.5f));
+    }
 }
 
 void OssSnNodeGraphViewContext::updateDescriptiveNames()

@@ -145,6 +145,12 @@ protected slots:
     void onViewerNodeCurrentEdgeChanged(int edge);
     void updateViewerNodeVirtualEdge();
     void onNewNodeAdded();
+    // Spreads the stubs of the named edges symmetrically by the edge multipliers: each stub's
+    // end (B) moves across the flow by 12 units per multiplier step times Factor.
+    void calculateEdgesUI(QStringList Edges, bool OutputEdge,
+                          const OssSnInitialPositionMap &InitialPositionMap,
+                          const OssSnTextPositionMap &InitialTextPositionMap,
+                          OssSnInitialPositionMap &PositionMap, int Factor = 1);
     void updateDescriptiveNames();
     void updateDescriptiveInputNames();
     void updateDescriptiveOutputNames();

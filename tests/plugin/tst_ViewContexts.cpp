@@ -22,8 +22,11 @@
 #include <OssSnSpecialNodes.h>
 #include <OssUndoManager.h>
 
+#include <OssSnNodeTypeCatalogue.h>
 #include <QGraphicsScene>
 #include <QSignalSpy>
+
+#include <QRandomGenerator>
 #include <QtTest>
 
 namespace {
@@ -377,6 +380,153 @@ private slots:
             "InputInitialPositions\n"));
         OssSnBaseNode *multi = make("Misc/Multi Channel Group");
         QCOMPARE(OssSnNodeGraphViewContext::of(multi)->versionHashSource(), QString());
+    }
+
+    // --- undo keeps the GUI equal to the network
+
+    void randomEditsKeepTheGuiInStep()
+    {
+        // The GUI as text: per node its GUI text, position and the edges at its inputs; each
+        // edge must match the network's connection.
+        const auto guiDump = [this]() {
+            QStringList lines;
+            QList<OssSnBaseNode *> nodes = m_network->nodes();
+            std::sort(nodes.begin(), nodes.end(),
+                      [](OssSnBaseNode *a, OssSnBaseNode *b) { return a->name() < b->name(); });
+            for (OssSnBaseNode *node : nodes) {
+                OssNgNode *g = gui(node);
+                if (!g || g->scene() != manager()->sceneForNetwork(m_network))
+                    return QStringLiteral("GUI node of %1 missing").arg(node->name());
+                QString line = QStringLiteral("%1 '%2' (%3, %4)")
+                                   .arg(node->name(), g->text())
+                                   .arg(g->pos().x())
+                                   .arg(g->pos().y());
+                for (const QString &input : node->inputNames()) {
+                    OssSnBaseNode *source = node->inputConnection(input);
+                    OssNgEdge *edge = g->input(input);
+                    if (bool(source) != bool(edge) || (edge && edge->sourceNode() != gui(source)))
+                        return QStringLiteral("edge %1.%2 out of step").arg(node->name(), input);
+                    if (edge)
+                        line += QStringLiteral(" %1<-%2").arg(input, source->name());
+                }
+                lines << line;
+            }
+            return lines.join('\n');
+        };
+        QRandomGenerator random(4242);
+        OssUndoManager::instance()->clear();
+        QStringList states{guiDump()};
+        for (int step = 0; step < 80; ++step) {
+            const QList<OssSnBaseNode *> nodes = m_network->nodes();
+            const int action = nodes.size() < 3 ? 0 : random.bounded(6);
+            OssSnBaseNode *a = nodes.isEmpty() ? nullptr : nodes.at(random.bounded(nodes.size()));
+            OssSnBaseNode *b = nodes.isEmpty() ? nullptr : nodes.at(random.bounded(nodes.size()));
+            const int before = OssUndoManager::instance()->count();
+            switch (action) {
+            case 0:
+                make(random.bounded(2) ? "Filter/Blur" : "Math/Mix");
+                break;
+            case 1:
+                a->connectInput(a->inputNames().value(0), b, b->prefferedOutputPoint());
+                break;
+            case 2:
+                a->disconnectInput(a->inputNames().value(0));
+                break;
+            case 3:
+                a->setName(a->name() + QStringLiteral("r"));
+                break;
+            case 4:
+                // A protected slot, reached by name as the view's commands reach it.
+                QVERIFY(QMetaObject::invokeMethod(
+                    OssSnNodeGraphViewContext::of(a), "setNodePositionUndo",
+                    Q_ARG(QPointF, QPointF(random.bounded(2000), random.bounded(2000)))));
+                break;
+            default:
+                m_network->removeNodes({a});
+                break;
+            }
+            QVERIFY(!guiDump().contains(QStringLiteral("out of step")));
+            QVERIFY(!guiDump().contains(QStringLiteral("missing")));
+            if (OssUndoManager::instance()->count() > before)
+                states << guiDump();
+        }
+        QVERIFY(states.size() > 40);
+        for (int i = states.size() - 1; i > 0; --i) {
+            QCOMPARE(guiDump(), states.at(i));
+            OssUndoManager::instance()->undo();
+        }
+        QCOMPARE(guiDump(), states.first());
+        for (int i = 1; i < states.size(); ++i) {
+            OssUndoManager::instance()->redo();
+            QCOMPARE(guiDump(), states.at(i));
+        }
+    }
+
+    void everyKindKeepsItsLooksThroughAProject()
+    {
+        int made = 0;
+        for (const QString &key : OssSnNodeTypeCatalogue::instance()->nodeGraphPathKeys()) {
+            OssSnBaseNode *node = m_network->createNode(key);
+            if (!node)
+                continue;
+            ++made;
+            if (OssNgNode *g = gui(node))
+                g->setPos(made * 37.5, made * -11.0);
+            if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))
+                if (made % 3 == 0)
+                    context->setPortListMode(made % 5);
+        }
+        QVERIFY(
+            m_network->node("Blur")->connectInput("Input", m_network->node("Perlin"), "Output"));
+        const auto looks = [this]() {
+            QStringList lines;
+            for (OssSnBaseNode *node : m_network->nodes()) {
+                OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node);
+                OssNgNode *g = gui(node);
+                if (!context || !g) {
+                    lines << node->name() + QStringLiteral(" has no GUI");
+                    continue;
+                }
+                QStringList inputs, outputs;
+                for (auto it = context->m_inputNodeInitialPos.cbegin();
+                     it != context->m_inputNodeInitialPos.cend(); ++it)
+                    inputs << QStringLiteral("%1:%2,%3")
+                                  .arg(it.key())
+                                  .arg(it->first.x())
+                                  .arg(it->second.y());
+                for (auto it = context->m_outputNodeInitialPos.cbegin();
+                     it != context->m_outputNodeInitialPos.cend(); ++it)
+                    outputs << QStringLiteral("%1:%2,%3")
+                                   .arg(it.key())
+                                   .arg(it->first.x())
+                                   .arg(it->second.y());
+                inputs.sort();
+                outputs.sort();
+                lines << QStringLiteral("%1 %2 pos(%3,%4) shape %5 colours %6/%7 mode %8 pixmap %9 "
+                                        "in[%10] out[%11]")
+                             .arg(node->name(),
+                                  QString::fromLatin1(context->metaObject()->className()))
+                             .arg(g->pos().x())
+                             .arg(g->pos().y())
+                             .arg(context->shapeType())
+                             .arg(context->nodeColorTop(), context->nodeColorBottom())
+                             .arg(context->portListModeAsInt())
+                             .arg(context->pixmapPath(), inputs.join(' '), outputs.join(' '));
+            }
+            lines.sort();
+            return lines;
+        };
+        const QStringList before = looks();
+        const QString path = m_environment.scratchDirectory() + "/kinds-gui.ossa";
+        QString error;
+        QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
+        OssProjectManager::instance()->closeProject();
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().first();
+        const QStringList after = looks();
+        for (int i = 0; i < qMin(before.size(), after.size()); ++i)
+            QCOMPARE(after.at(i), before.at(i));
+        QCOMPARE(after.size(), before.size());
     }
 
     // --- the kinds with state of their own
