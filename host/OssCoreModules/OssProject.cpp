@@ -18,6 +18,59 @@ OssEntity::OssEntity(const QString &name, QObject *parent)
     : OssSerializableObject(parent), m_name(name)
 {}
 
+OssGeoImageSet *OssEntity::geoChannel(const QString &name) const
+{
+    for (OssGeoImageSet *channel : m_geoChannels)
+        if (channel->name() == name)
+            return channel;
+    return nullptr;
+}
+
+OssGeoImageSet *OssEntity::addGeoChannel(const QString &name)
+{
+    if (OssGeoImageSet *existing = geoChannel(name))
+        return existing;
+    auto *created = new OssGeoImageSet(name, this);
+    m_geoChannels.append(created);
+    return created;
+}
+
+bool OssEntity::saveObjects(OssSerializer &serializer)
+{
+    for (OssGeoImageSet *channel : qAsConst(m_geoChannels))
+        if (!serializer.saveObject(channel, QStringLiteral("geoChannel")))
+            return false;
+    return true;
+}
+
+OssSerializableObject *OssEntity::onLoadSubObject(OssDeserializer &, const QString &name,
+                                                  const QString &)
+{
+    if (name != QLatin1String("geoChannel"))
+        return nullptr;
+    auto *created = new OssGeoImageSet(QString(), this);
+    m_geoChannels.append(created);
+    return created;
+}
+
+OssGeoImageSet::OssGeoImageSet(const QString &name, QObject *parent)
+    : OssSerializableObject(parent), m_name(name)
+{}
+
+OssEntity *OssGeoImageSet::entity() const
+{
+    return qobject_cast<OssEntity *>(parent());
+}
+
+void OssGeoImageSet::setImageSet(OssChannel *imageSet)
+{
+    if (m_imageSet == imageSet)
+        return;
+    m_imageSet = imageSet;
+    m_imageSetName = imageSet ? imageSet->name() : QString();
+    emit imageSetChanged(imageSet);
+}
+
 OssShadingGroup::OssShadingGroup(const QString &name, QObject *parent)
     : OssSerializableObject(parent), m_name(name), m_network(new OssShaderNetwork(name, this))
 {}

@@ -1,5 +1,6 @@
 #include "OssShaderNetworkManager.h"
 
+#include "OssImages.h"
 #include "OssProject.h"
 #include "OssShaderNetwork.h"
 #include "OssShaderNetworkCommands.h"
@@ -63,6 +64,8 @@ OssShaderNetworkManager *OssShaderNetworkManager::instance()
 OssShaderNetworkManager::OssShaderNetworkManager(QObject *parent) : QObject(parent)
 {
     qRegisterMetaType<OssShaderNetwork *>("OssShaderNetwork*");
+    // Image lists are node attribute values and must read back from projects.
+    OssImageList::registerType();
     qRegisterMetaType<OssSnBaseNode *>("OssSnBaseNode*");
     qRegisterMetaType<QList<OssSnBaseNode *>>("QList<OssSnBaseNode*>");
     connect(OssSnNodeTypeCatalogue::instance(),

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "OssCoreModulesExport.h"
+
+#include <QDialog>
+#include <QPoint>
+#include <QPointer>
+#include <QSize>
+#include <QStringList>
+
+class OssSnBaseNode;
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+class QPlainTextEdit;
+
+// Quick node creation at the cursor: recent and favourite node types first, then every
+// creatable type, filtered as the user types; Return takes the first match.
+class OSSCOREMODULES_EXPORT OssNodeQuickFindDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    OssNodeQuickFindDialog(const QStringList &lastUsed, const QStringList &favourites,
+                           int recentCount, const QPoint &cursor, const QSize &viewSize,
+                           QWidget *parent = nullptr);
+    // The path keys shown now, in order.
+    QStringList shownPathKeys() const;
+    void setFilter(const QString &text);
+    QString chosenPathKey() const { return m_chosen; }
+    QStringList favourites() const { return m_favourites; }
+    void toggleFavourite(const QString &pathKey);
+    // Where the node goes, in view coordinates (the cursor the dialog was opened at).
+    QPoint nodePosition() const { return m_cursor; }
+
+public slots:
+    void acceptCurrent();
+
+private:
+    void rebuild();
+    QStringList m_lastUsed;
+    QStringList m_favourites;
+    QStringList m_all;
+    QString m_chosen;
+    QPoint m_cursor;
+    QLineEdit *m_filter = nullptr;
+    QListWidget *m_list = nullptr;
+};
+
+// Finds a node of the network by name.
+class OSSCOREMODULES_EXPORT OssSearchNodeDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit OssSearchNodeDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent = nullptr);
+    void setFilter(const QString &text);
+    QStringList shownNames() const;
+    OssSnBaseNode *chosenNode() const { return m_chosen; }
+
+public slots:
+    void acceptCurrent();
+
+private:
+    void rebuild();
+    QList<QPointer<OssSnBaseNode>> m_nodes;
+    QPointer<OssSnBaseNode> m_chosen;
+    QLineEdit *m_filter = nullptr;
+    QListWidget *m_list = nullptr;
+};
+
+// "Info Viewer": what the host knows of the given nodes.
+class OSSCOREMODULES_EXPORT OssNodeInfoDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit OssNodeInfoDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent = nullptr);
+    QString text() const;
+
+private:
+    QPlainTextEdit *m_text = nullptr;
+};

@@ -1,0 +1,218 @@
+#include "OssTestEnvironment.h"
+
+#include <OssDebug.h>
+#include <OssImages.h>
+#include <OssNodeDialogs.h>
+#include <OssProject.h>
+#include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssSnBaseNode.h>
+#include <OssUndoManager.h>
+
+#include <QImage>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QUrl>
+#include <QtTest>
+
+// Images, drops, archives as dragged things, canvases, geo-channels and the node dialogs.
+class tst_HostExtras : public QObject
+{
+    Q_OBJECT
+
+private:
+    OssTestEnvironment m_environment;
+    OssShaderNetwork *m_network = nullptr;
+
+    QString writeImage(const QString &name, const QSize &size)
+    {
+        QImage image(size, QImage::Format_ARGB32);
+        image.fill(QColor(200, 100, 50));
+        const QString path = m_environment.scratchDirectory() + QLatin1Char('/') + name;
+        image.save(path);
+        return path;
+    }
+
+private slots:
+    void init() { m_network = OssProjectManager::instance()->newProject()->networks().first(); }
+
+    void cleanup()
+    {
+        OssProjectManager::instance()->closeProject();
+        OssImageManager::instance()->clear();
+    }
+
+    void idLists_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("count");
+        const QString a = QUuid::createUuid().toString();
+        const QString b = QUuid::createUuid().toString();
+        QTest::newRow("newlines") << a + "\n" + b << 2;
+        QTest::newRow("commas") << a + "," + b << 2;
+        QTest::newRow("junk skipped") << a + ",nonsense,\n" << 1;
+        QTest::newRow("empty") << "" << 0;
+    }
+
+    void idLists()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, count);
+        QCOMPARE(OssImageUniqueId::imageIdListFromString(text).size(), count);
+    }
+
+    void imageListsRoundTripAsAttributes()
+    {
+        const OssImageList list({OssImageUniqueId::create(), OssImageUniqueId::create()});
+        OssSnBaseNode *tiled = m_network->createNode(QStringLiteral("Procedural/Pattern/Tiled"));
+        tiled->setNodeAttribute(QStringLiteral("TileImage"), QVariant::fromValue(list));
+        const QString path = m_environment.scratchDirectory() + "/images.ossa";
+        QString error;
+        QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().first();
+        const QVariant value = m_network->node("Tiled")->nodeAttributeValue("TileImage");
+        QCOMPARE(value.value<OssImageList>(), list);
+    }
+
+    void openingImages()
+    {
+        const QString png = writeImage("a.png", QSize(8, 4));
+        const QList<OssImage *> opened = OssImageManager::instance()->open(png);
+        QCOMPARE(opened.size(), 1);
+        QCOMPARE(opened.first()->size(), QSize(8, 4));
+        QCOMPARE(OssImageManager::instance()->getImage(opened.first()->uniqueId()), opened.first());
+        const QString bad = m_environment.scratchDirectory() + "/bad.png";
+        QFile file(bad);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("not an image");
+        file.close();
+        OssDebugCapture capture;
+        QVERIFY(OssImageManager::instance()->open(bad).isEmpty());
+        QVERIFY(capture.messages().value(0).startsWith("[ !! ] Cannot open image '" + bad + "'"));
+        QVERIFY(OssImageManager::instance()->open(bad + "x").isEmpty());
+    }
+
+    void droppingImagesMakesTiledNodes()
+    {
+        const QString png = writeImage("drop.png", QSize(4, 4));
+        QMimeData mime;
+        mime.setUrls({QUrl::fromLocalFile(png)});
+        OssDragAndDropManager *drops = OssDragAndDropManager::instance();
+        QVERIFY(drops->acceptDragEnter(&mime, 4));
+        QVERIFY(!drops->acceptDragEnter(&mime, 3));
+        const QVariantMap parameters{{"NodeGraph", QVariant::fromValue<QObject *>(m_network)},
+                                     {"Position", QPointF(10, 20)}};
+        QVERIFY(drops->drop(&mime, 4, parameters));
+        QCOMPARE(m_network->nodes().size(), 1);
+        OssSnBaseNode *node = m_network->nodes().first();
+        QCOMPARE(node->pathKey(), QStringLiteral("Procedural/Pattern/Tiled"));
+        const OssImageList ids = node->nodeAttributeValue("TileImage").value<OssImageList>();
+        QCOMPARE(ids.size(), 1);
+        QCOMPARE(OssImageManager::instance()->getImage(ids.ids().first())->path(),
+                 QFileInfo(png).absoluteFilePath());
+        QCOMPARE(OssUndoManager::instance()->count(), 1);
+        OssUndoManager::instance()->undo();
+        QVERIFY(m_network->nodes().isEmpty());
+        // What the manager does not handle changes nothing.
+        QMimeData text;
+        text.setText(QStringLiteral("hello"));
+        QVERIFY(!drops->drop(&text, 4, parameters));
+        QVERIFY(!drops->drop(&mime, 4, QVariantMap()));
+        QVERIFY(m_network->nodes().isEmpty());
+    }
+
+    void archivesAndMerges()
+    {
+        QMimeData material, procedural, mixed;
+        material.setUrls({QUrl::fromLocalFile("/x/a.oma")});
+        procedural.setUrls({QUrl::fromLocalFile("/x/b.opc")});
+        mixed.setUrls({QUrl::fromLocalFile("/x/a.oma"), QUrl::fromLocalFile("/x/b.opc")});
+        OssMaterialPaintManager *paint = OssMaterialPaintManager::instance();
+        QVERIFY(paint->draggableMaterialType(&material));
+        QVERIFY(!paint->draggableMaterialType(&procedural));
+        QVERIFY(paint->draggableCustomProceduralType(&procedural));
+        QVERIFY(!paint->draggableMaterialType(&mixed));
+        QCOMPARE(paint->pathListFromMimeData(&mixed).size(), 2);
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *grunge = m_network->createNode(QStringLiteral("Procedural/Noise/Grunge"));
+        OssSnBaseNode *merge = m_network->createNode(QStringLiteral("Layer/Merge"));
+        QVERIFY(paint->autoconnectMergeNode(noise, merge));
+        QCOMPARE(merge->inputConnection("Over"), noise);
+        QVERIFY(paint->autoconnectMergeNode(grunge, merge));
+        QCOMPARE(merge->inputConnection("Base"), grunge);
+    }
+
+    void canvasesRecordFlushes()
+    {
+        OssCanvasWidget canvas;
+        OssCanvasManager::setCurrentCanvas(&canvas);
+        OssChannel *channel =
+            OssProjectManager::instance()->currentProject()->shadingGroups().first()->addChannel(
+                QStringLiteral("Diffuse"));
+        QSignalSpy flushed(&canvas, &OssCanvasWidget::paintBufferFlushed);
+        OssCanvasManager::currentCanvas()->handleBakeBehavior(channel);
+        QCOMPARE(canvas.flushCount(), 1);
+        QCOMPARE(canvas.lastFlushedImageSet(), channel);
+        QCOMPARE(flushed.count(), 1);
+        OssCanvasManager::setCurrentCanvas(nullptr);
+    }
+
+    void geoChannelsSurviveSaving()
+    {
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        OssEntity *entity = project->entities().first();
+        OssGeoImageSet *ao = entity->addGeoChannel(QStringLiteral("AO"));
+        ao->setBleed(8);
+        OssChannel *channel =
+            project->shadingGroups().first()->addChannel(QStringLiteral("AO_Set"));
+        ao->setImageSet(channel);
+        QCOMPARE(ao->imageSetName(), QStringLiteral("AO_Set"));
+        const QString path = m_environment.scratchDirectory() + "/geo.ossa";
+        QString error;
+        QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
+        QVERIFY(OssProjectManager::instance()->openProject(path, &error));
+        OssEntity *loaded = OssProjectManager::instance()->currentProject()->entities().first();
+        QCOMPARE(loaded->geoChannels().size(), 1);
+        QCOMPARE(loaded->geoChannel("AO")->bleed(), 8);
+        QCOMPARE(loaded->geoChannel("AO")->imageSetName(), QStringLiteral("AO_Set"));
+        QCOMPARE(loaded->geoChannel("AO")->entity(), loaded);
+    }
+
+    void quickFindDialog()
+    {
+        OssNodeQuickFindDialog dialog({"Filter/Blur", "Layer/Merge", "Adjust/Invert"},
+                                      {"Procedural/Noise/Perlin"}, 2, QPoint(10, 10),
+                                      QSize(800, 600));
+        const QStringList shown = dialog.shownPathKeys();
+        QCOMPARE(shown.mid(0, 3),
+                 (QStringList{"Filter/Blur", "Layer/Merge", "Procedural/Noise/Perlin"}));
+        for (const QString &key : shown)
+            QVERIFY2(!key.startsWith('_'), qPrintable(key));
+        dialog.setFilter(QStringLiteral("noise/p"));
+        QCOMPARE(dialog.shownPathKeys(), QStringList{"Procedural/Noise/Perlin"});
+        dialog.toggleFavourite(QStringLiteral("Procedural/Noise/Perlin"));
+        QVERIFY(dialog.favourites().isEmpty());
+        QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
+        QCOMPARE(dialog.chosenPathKey(), QStringLiteral("Procedural/Noise/Perlin"));
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QCOMPARE(dialog.nodePosition(), QPoint(10, 10));
+    }
+
+    void searchAndInfoDialogs()
+    {
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        m_network->createNode(QStringLiteral("Adjust/Invert"));
+        OssSearchNodeDialog search(m_network->nodes());
+        QCOMPARE(search.shownNames(), (QStringList{"Blur", "Invert"}));
+        QTest::keyClicks(search.findChild<QLineEdit *>(), QStringLiteral("BL"));
+        QCOMPARE(search.shownNames(), QStringList{"Blur"});
+        QTest::keyClick(search.findChild<QLineEdit *>(), Qt::Key_Return);
+        QCOMPARE(search.chosenNode(), blur);
+        OssNodeInfoDialog info({blur});
+        QVERIFY(info.text().startsWith(QStringLiteral("Node 'Blur' (OssSnBaseNode)")));
+    }
+};
+
+QTEST_MAIN(tst_HostExtras)
+#include "tst_HostExtras.moc"
