@@ -170,7 +170,10 @@ QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwo
     if (QGraphicsScene *scene = m_scenes.value(network))
         return scene;
     auto *scene = new QGraphicsScene;
-    scene->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
+    // Filled without a spatial index (a network being loaded puts thousands of nodes at one
+    // spot first, which a tree index handles in quadratic time); the view that shows the scene
+    // turns the index on.
+    scene->setItemIndexMethod(QGraphicsScene::NoIndex);
     connect(network, SIGNAL(destroyed(QObject *)), this, SLOT(onShaderNetworkDestroyed(QObject *)));
     m_scenes.insert(network, scene);
     return scene;
@@ -293,6 +296,7 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
             OSS_DEBUG("Failed to find scene for network");
         return;
     }
+    scene->setItemIndexMethod(QGraphicsScene::NoIndex);
     for (QGraphicsItem *item : scene->items())
         if (OssNgNode *node = OssNgNode::fromItem(item))
             if (qobject_cast<OssSnBaseNode *>(node->parent()))
@@ -320,8 +324,9 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
                 view->setNetwork(nullptr);
             }
     // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
-    // before the scenes are deleted.
+    // before the scenes are deleted (without an index, taking items out is cheap).
     for (QGraphicsScene *scene : qAsConst(m_scenes)) {
+        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
         for (QGraphicsItem *item : scene->items())
             if (OssNgNode *node = OssNgNode::fromItem(item))
                 if (qobject_cast<OssSnBaseNode *>(node->parent()))
@@ -535,6 +540,13 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
         return;
     }
     OssUndoManager::AutoMacro macro(QStringLiteral("Layout Nodes"));
+    // Moving thousands of items is quadratic with a tree index (each move re-files the item);
+    // the index is rebuilt once afterwards.
+    QGraphicsScene *scene = m_scenes.value(StartNetwork);
+    const QGraphicsScene::ItemIndexMethod indexMethod =
+        scene ? scene->itemIndexMethod() : QGraphicsScene::NoIndex;
+    if (scene)
+        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
     QSet<OssSnBaseNode *> laidOut;
     // Trees laid out earlier stay clear of later ones.
     QList<OssNgNode *> keepClear;
@@ -564,6 +576,8 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
         backdrop->setNodeSize(bounds.size());
         macro.addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
     }
+    if (scene)
+        scene->setItemIndexMethod(indexMethod);
 }
 
 void OssSnNodeGraphViewContextManager::layoutTree(OssSnBaseNode *root,
