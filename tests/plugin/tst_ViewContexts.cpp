@@ -338,6 +338,36 @@ private slots:
             QVERIFY(!overlapping);
     }
 
+    void debugLinesOfBadRequests()
+    {
+        OssSnBaseNode *blur = make("Filter/Blur");
+        OssSnBaseNode *noise = make("Procedural/Noise/Perlin");
+        OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(blur);
+        OssDebugCapture capture;
+        context->connectInputFromGui(noise, QStringLiteral("Input"), QString());
+        context->connectInputFromGui(noise, QString(), QStringLiteral("Output"));
+        QCOMPARE(capture.messages(), (QStringList{"output point name cannot be empty : Input",
+                                                  "input name cannot be empty : Output"}));
+        QVERIFY(!blur->inputConnection("Input"));
+        OssDebugCapture other;
+        context->copyGuiNodeStateFrom(nullptr);
+        QVERIFY(other.contains("OtherView is NULL"));
+        // Without a current view, placement requests say so and move nothing.
+        manager()->nodeGraphWidget()->setCurrentIndex(-1);
+        auto *scratch = new QWidget;
+        manager()->nodeGraphWidget()->addTab(scratch, QStringLiteral("not a view"));
+        manager()->nodeGraphWidget()->setCurrentWidget(scratch);
+        QVERIFY(!manager()->currentView());
+        const QPointF before = gui(blur)->pos();
+        OssDebugCapture noView;
+        emit blur->emitSetLayout(OssSnBaseNode::LayoutBelow, noise, true, true);
+        QCOMPARE(noView.messages().value(0), QStringLiteral("[ !! ] Fatal error -> no view!"));
+        QCOMPARE(gui(blur)->pos(), before);
+        delete scratch;
+        manager()->nodeGraphWidget()->setCurrentIndex(0);
+        QVERIFY(manager()->currentView());
+    }
+
     // --- persistence
 
     void guiStateSurvivesAProject()
