@@ -13,6 +13,7 @@
 #include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
+#include <cmath>
 
 QString OssNgPort::label() const
 {
@@ -839,6 +840,18 @@ void OssNgNode::paintPorts(QPainter *painter, bool withText)
                 continue;
             const QPointF at = portLocalPos(port);
             const bool connected = port.input ? m_inputEdges.contains(port.name) : port.used;
+            if (!connected && port.hasConnectionPosition) {
+                // An unconnected port shows a short stub towards where its edge would go.
+                const QPointF towards(port.connectionPosition.second -
+                                      port.connectionPosition.first);
+                const qreal length = std::hypot(towards.x(), towards.y());
+                if (length > 0) {
+                    painter->save();
+                    painter->setPen(QPen(style->edgeColor(), 1, Qt::DotLine));
+                    painter->drawLine(at, at + towards * (14.0 / length));
+                    painter->restore();
+                }
+            }
             painter->setBrush(connected ? style->usedPortColor() : style->portColor());
             painter->drawEllipse(at, radius, radius);
             if (!withText || !m_portsVisible || !showPortLabels())
