@@ -25,13 +25,21 @@ namespace {
 // Deeper nesting than this is refused instead of recursing without bound on hostile input.
 constexpr int MaximumDepth = 512;
 
-OssStringMap attributeChildren(const OssXmlElement &element)
+// The key-value entries of a collection or collection element: written compactly as XML
+// attributes (of the element itself, or of an <attributes> child of a collection), or as
+// <attribute key=".." value=".."/> children.
+OssStringMap attributeChildren(const OssXmlElement &element, bool ownAttributes)
 {
     OssStringMap result;
+    if (ownAttributes)
+        result = element.attributes;
     for (const auto &child : element.children) {
         if (child->name == QLatin1String("attribute"))
             result.insert(child->attributes.value(QStringLiteral("key")),
                           child->attributes.value(QStringLiteral("value")));
+        else if (child->name == QLatin1String("attributes"))
+            for (const OssStringMap::Entry &entry : child->attributes)
+                result.insert(entry.first, entry.second);
     }
     return result;
 }
@@ -216,19 +224,19 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
             const QString elementType = child.attributes.value(QStringLiteral("elementType"));
             const int count = child.attributes.value(QStringLiteral("count")).toInt();
             if (!object->onLoadCollection(childName, type, elementType, count,
-                                          attributeChildren(child)))
+                                          attributeChildren(child, false)))
                 continue;
             int index = 0;
             for (const auto &item : child.children) {
                 if (item->name == QLatin1String("element")) {
                     object->onLoadCollectionObject(childName, type, elementType, index++,
-                                                   attributeChildren(*item));
+                                                   attributeChildren(*item, true));
                 }
             }
             object->onEndCollection(childName, type, elementType);
         } else if (child.name == QLatin1String("object")) {
             m_currentUuid = child.attributes.value(QStringLiteral("uuid"));
-            m_currentAttributes = attributeChildren(child);
+            m_currentAttributes = attributeChildren(child, false);
             OssSerializableObject *sub = object->onLoadSubObject(
                 *this, childName, child.attributes.value(QStringLiteral("type")));
             if (sub)

@@ -14,6 +14,7 @@
 #include <QPointF>
 #include <QRect>
 #include <QRectF>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QSize>
 #include <QSizeF>
@@ -333,6 +334,32 @@ void OssSerializer::writeObject(OssSerializableObject *object, const QString &na
     w.writeEndElement();
 }
 
+namespace {
+
+// Keys that are XML names are written as XML attributes of one element (compact, fast to
+// read); a map with any other key is written as <attribute key=".." value=".."/> children.
+bool allXmlNames(const OssStringMap &attributes)
+{
+    static const QRegularExpression name(QStringLiteral("^[A-Za-z_][A-Za-z0-9_.-]*$"));
+    for (const OssStringMap::Entry &entry : attributes)
+        if (!name.match(entry.first).hasMatch() ||
+            entry.first.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
+            return false;
+    return true;
+}
+
+void writeEntries(QXmlStreamWriter &w, const OssStringMap &attributes)
+{
+    for (const OssStringMap::Entry &entry : attributes) {
+        w.writeStartElement(QStringLiteral("attribute"));
+        w.writeAttribute(QStringLiteral("key"), entry.first);
+        w.writeAttribute(QStringLiteral("value"), entry.second);
+        w.writeEndElement();
+    }
+}
+
+} // namespace
+
 void OssSerializer::beginCollection(const QString &name, int count, const QString &type,
                                     const QString &elementType, const OssStringMap &attributes)
 {
@@ -344,11 +371,13 @@ void OssSerializer::beginCollection(const QString &name, int count, const QStrin
     w.writeAttribute(QStringLiteral("count"), QString::number(count));
     w.writeAttribute(QStringLiteral("type"), type);
     w.writeAttribute(QStringLiteral("elementType"), elementType);
-    for (const OssStringMap::Entry &entry : attributes) {
-        w.writeStartElement(QStringLiteral("attribute"));
-        w.writeAttribute(QStringLiteral("key"), entry.first);
-        w.writeAttribute(QStringLiteral("value"), entry.second);
+    if (!attributes.isEmpty() && allXmlNames(attributes)) {
+        w.writeStartElement(QStringLiteral("attributes"));
+        for (const OssStringMap::Entry &entry : attributes)
+            w.writeAttribute(entry.first, entry.second);
         w.writeEndElement();
+    } else {
+        writeEntries(w, attributes);
     }
     ++m_openCollections;
 }
@@ -359,12 +388,11 @@ void OssSerializer::addCollectionElement(const OssStringMap &attributes)
         return;
     QXmlStreamWriter &w = *m_writer;
     w.writeStartElement(QStringLiteral("element"));
-    for (const OssStringMap::Entry &entry : attributes) {
-        w.writeStartElement(QStringLiteral("attribute"));
-        w.writeAttribute(QStringLiteral("key"), entry.first);
-        w.writeAttribute(QStringLiteral("value"), entry.second);
-        w.writeEndElement();
-    }
+    if (allXmlNames(attributes))
+        for (const OssStringMap::Entry &entry : attributes)
+            w.writeAttribute(entry.first, entry.second);
+    else
+        writeEntries(w, attributes);
     w.writeEndElement();
 }
 

@@ -860,23 +860,29 @@ bool OssSnBaseNode::saveObjects(OssSerializer &serializer)
     serializer.beginCollection(QStringLiteral("inputs"), m_inputs.size(), QStringLiteral("QVector"),
                                QStringLiteral("OssSnNodeInput"),
                                OssStringMap{{QStringLiteral("preferred"), m_preferredInput}});
-    for (const OssSnNodeInput &in : qAsConst(m_inputs))
-        serializer.addCollectionElement(OssStringMap{
-            {QStringLiteral("name"), in.name},
-            {QStringLiteral("type"), in.type},
-            {QStringLiteral("tags"), joinTags(in.tags)},
-            {QStringLiteral("enabled"), in.enabled ? QStringLiteral("1") : QStringLiteral("0")},
-            {QStringLiteral("shared"), in.shared ? QStringLiteral("1") : QStringLiteral("0")},
-            {QStringLiteral("prettyName"), in.prettyName}});
+    // Fields at their usual values are left out; reading fills them back in.
+    for (const OssSnNodeInput &in : qAsConst(m_inputs)) {
+        OssStringMap entry{{QStringLiteral("name"), in.name}, {QStringLiteral("type"), in.type}};
+        if (!in.tags.isEmpty())
+            entry.insert(QStringLiteral("tags"), joinTags(in.tags));
+        if (!in.enabled)
+            entry.insert(QStringLiteral("enabled"), QStringLiteral("0"));
+        if (in.shared)
+            entry.insert(QStringLiteral("shared"), QStringLiteral("1"));
+        if (!in.prettyName.isEmpty())
+            entry.insert(QStringLiteral("prettyName"), in.prettyName);
+        serializer.addCollectionElement(entry);
+    }
     serializer.endCollection();
     serializer.beginCollection(QStringLiteral("outputPoints"), m_outputs.size(),
                                QStringLiteral("QVector"), QStringLiteral("OssSnNodeOutputPoint"),
                                OssStringMap{{QStringLiteral("preferred"), m_preferredOutput}});
-    for (const OssSnNodeOutputPoint &out : qAsConst(m_outputs))
-        serializer.addCollectionElement(
-            OssStringMap{{QStringLiteral("name"), out.name},
-                         {QStringLiteral("type"), out.type},
-                         {QStringLiteral("prettyName"), out.prettyName}});
+    for (const OssSnNodeOutputPoint &out : qAsConst(m_outputs)) {
+        OssStringMap entry{{QStringLiteral("name"), out.name}, {QStringLiteral("type"), out.type}};
+        if (!out.prettyName.isEmpty())
+            entry.insert(QStringLiteral("prettyName"), out.prettyName);
+        serializer.addCollectionElement(entry);
+    }
     serializer.endCollection();
     // Values are saved with the user attributes; this is their knob order.
     serializer.beginCollection(QStringLiteral("nodeAttributes"), m_attributeOrder.size(),

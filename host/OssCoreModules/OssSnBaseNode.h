@@ -65,7 +65,8 @@ class OSSCOREMODULES_EXPORT OssSnBaseNode : public OssSerializableObject
 {
     Q_OBJECT
     Q_PROPERTY(QString name READ name WRITE setNameDirect)
-    Q_PROPERTY(QString description READ description WRITE setDescription)
+    // The type's description: not saved, it comes with the type.
+    Q_PROPERTY(QString description READ description WRITE setDescription STORED false)
     Q_PROPERTY(QString pathKey READ pathKey WRITE setPathKey)
     Q_PROPERTY(bool enabled READ enabledAsBool WRITE setEnabledDirect)
     Q_PROPERTY(bool bypassed READ bypassed WRITE setBypassedDirect)

@@ -387,7 +387,7 @@ private slots:
         const QByteArray text = file.readAll();
         QVERIFY(text.contains("name=\"m_GuiNode\""));
         QVERIFY(text.contains("<collection name=\"m_inputNodeInitialPos\""));
-        QVERIFY(text.contains("value=\"Input:1,-2,3,-4\""));
+        QVERIFY(text.contains("map0=\"Input:1,-2,3,-4\""));
         QVERIFY(OssProjectManager::instance()->openProject(path, &error));
         m_network = OssProjectManager::instance()->currentProject()->networks().first();
         OssSnBaseNode *loaded = m_network->node("Blur");
