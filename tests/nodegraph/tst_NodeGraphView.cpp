@@ -212,6 +212,19 @@ private slots:
         QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
     }
 
+    void removingTheTargetFromTheSceneDuringADrag()
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {},
+                          at(m_a->outputPortScenePos("Output")));
+        QVERIFY(m_view->draggedEdge());
+        const QPoint drop = at(m_b->inputPortScenePos("Input"));
+        m_scene->removeItem(m_b);
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, drop);
+        QVERIFY(m_requests.isEmpty());
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
+        m_scene->addItem(m_b);
+    }
+
     void deletingANodeWhileItsEdgeIsDragged()
     {
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {},
