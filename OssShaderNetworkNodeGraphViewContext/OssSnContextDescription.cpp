@@ -1,5 +1,6 @@
 #include "OssSnContextDescription.h"
 
+#include <QHash>
 #include <QXmlStreamReader>
 
 namespace {
@@ -132,5 +133,21 @@ OssSnContextDescription OssSnContextDescription::read(const QString &description
         }
     }
     result.truncated = reader.hasError();
+    return result;
+}
+
+OssSnContextDescription OssSnContextDescription::readCached(const QString &description)
+{
+    // Node types number in the hundreds; the bound only keeps odd callers (descriptions made up
+    // on the fly) from growing the cache without end.
+    constexpr int MaximumEntries = 4096;
+    static QHash<QString, OssSnContextDescription> cache;
+    const auto found = cache.constFind(description);
+    if (found != cache.constEnd())
+        return found.value();
+    if (cache.size() >= MaximumEntries)
+        cache.clear();
+    const OssSnContextDescription result = read(description);
+    cache.insert(description, result);
     return result;
 }

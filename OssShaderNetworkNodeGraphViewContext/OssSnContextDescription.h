@@ -56,6 +56,9 @@ struct OssSnContextDescription
     bool truncated = false;
 
     static OssSnContextDescription read(const QString &description);
+    // The same as read(), remembered per description text: every node of a type carries the same
+    // description, so a network of thousands of nodes reads each type's section once.
+    static OssSnContextDescription readCached(const QString &description);
     // A decimal integer; text that is not a number reads as 0.
     static int toInt(const QString &text);
 };

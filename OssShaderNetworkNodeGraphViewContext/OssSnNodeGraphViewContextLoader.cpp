@@ -16,7 +16,7 @@ OssSnContextList OssSnNodeGraphViewContextLoader::load(const QString &descriptio
     OssSnNodeGraphViewContext *context = new OssSnNodeGraphViewContext(node, true);
     // The description is read first, stopping where it is malformed; applying its entries in
     // order gives what applying while reading would.
-    const OssSnContextDescription read = OssSnContextDescription::read(description);
+    const OssSnContextDescription read = OssSnContextDescription::readCached(description);
     for (const OssSnContextDescription::Context &entry : read.contexts) {
         if (entry.type == QLatin1String("UINodeGraphView") && entry.guiNodeClass.has_value()) {
             delete context;

@@ -324,10 +324,12 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
                 view->setNetwork(nullptr);
             }
     // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
-    // before the scenes are deleted (without an index, taking items out is cheap).
+    // before the scenes are deleted. Without an index, taking items out is cheap when it goes
+    // from the bottom of the stacking order up: the scene finds each item at the front of its
+    // list instead of searching the whole list for it.
     for (QGraphicsScene *scene : qAsConst(m_scenes)) {
         scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-        for (QGraphicsItem *item : scene->items())
+        for (QGraphicsItem *item : scene->items(Qt::AscendingOrder))
             if (OssNgNode *node = OssNgNode::fromItem(item))
                 if (qobject_cast<OssSnBaseNode *>(node->parent()))
                     scene->removeItem(node);

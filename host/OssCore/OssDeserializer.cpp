@@ -8,6 +8,12 @@
 #include <QMetaProperty>
 #include <QXmlStreamReader>
 
+#include <QHash>
+#include <QStringView>
+
+#include <algorithm>
+#include <cctype>
+#include <deque>
 #include <vector>
 
 // The parsed document: loading works on this tree so a broken file is known to be broken before
@@ -17,10 +23,43 @@ struct OssXmlElement
     QString name;
     OssStringMap attributes;
     QString text;
-    std::vector<std::unique_ptr<OssXmlElement>> children;
+    std::vector<const OssXmlElement *> children;
+};
+
+// The elements of a document live in one container that frees them together; a project of
+// thousands of nodes has hundreds of thousands of elements.
+struct OssXmlDocument
+{
+    std::deque<OssXmlElement> elements;
+    const OssXmlElement *root = nullptr;
 };
 
 namespace {
+
+// Element names, attribute names and short values repeat throughout a document ("property",
+// "type", "QString", "true", port names...): each distinct text is allocated once and shared.
+class StringPool
+{
+public:
+    QString get(QStringView text)
+    {
+        // Longer texts (UUIDs, descriptions) are mostly unique; looking them up costs more than
+        // it saves.
+        constexpr qsizetype Longest = 24;
+        if (text.size() > Longest)
+            return text.toString();
+        const auto found = m_strings.constFind(text);
+        if (found != m_strings.constEnd())
+            return found.value();
+        const QString made = text.toString();
+        // The key views the value's own characters, which stay put while the value is held.
+        m_strings.insert(QStringView(made), made);
+        return made;
+    }
+
+private:
+    QHash<QStringView, QString> m_strings;
+};
 
 // Deeper nesting than this is refused instead of recursing without bound on hostile input.
 constexpr int MaximumDepth = 512;
@@ -33,7 +72,7 @@ OssStringMap attributeChildren(const OssXmlElement &element, bool ownAttributes)
     OssStringMap result;
     if (ownAttributes)
         result = element.attributes;
-    for (const auto &child : element.children) {
+    for (const OssXmlElement *child : element.children) {
         if (child->name == QLatin1String("attribute"))
             result.insert(child->attributes.value(QStringLiteral("key")),
                           child->attributes.value(QStringLiteral("value")));
@@ -49,18 +88,20 @@ OssStringMap attributeChildren(const OssXmlElement &element, bool ownAttributes)
 OssDeserializer::OssDeserializer() = default;
 OssDeserializer::~OssDeserializer() = default;
 
-std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QString *error)
+std::unique_ptr<OssXmlDocument> OssDeserializer::parse(const QByteArray &data, QString *error)
 {
     auto fail = [&](const QString &message) {
         if (error)
             *error = QStringLiteral("\"%1\": %2").arg(m_source, message);
-        return std::unique_ptr<OssXmlElement>();
+        return std::unique_ptr<OssXmlDocument>();
     };
-    if (data.trimmed().isEmpty())
+    // (Checked without copying the data: a project can be tens of megabytes.)
+    if (std::all_of(data.cbegin(), data.cend(), [](char c) { return isspace(uchar(c)) != 0; }))
         return fail(QStringLiteral("the file is empty"));
 
     QXmlStreamReader reader(data);
-    std::unique_ptr<OssXmlElement> document;
+    auto parsed = std::make_unique<OssXmlDocument>();
+    StringPool pool;
     std::vector<OssXmlElement *> stack;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
@@ -69,22 +110,26 @@ std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QS
                 return fail(QStringLiteral("elements are nested deeper than %1 levels at line %2")
                                 .arg(MaximumDepth)
                                 .arg(reader.lineNumber()));
-            auto element = std::make_unique<OssXmlElement>();
-            element->name = reader.name().toString();
-            for (const QXmlStreamAttribute &attribute : reader.attributes())
-                element->attributes.insert(attribute.name().toString(),
-                                           attribute.value().toString());
-            OssXmlElement *raw = element.get();
+            // A second top-level element is a well-formedness error the reader reports.
+            OssXmlElement *element = &parsed->elements.emplace_back();
+            element->name = pool.get(reader.name());
+            const QXmlStreamAttributes attributes = reader.attributes();
+            for (const QXmlStreamAttribute &attribute : attributes)
+                element->attributes.insert(pool.get(attribute.name()), pool.get(attribute.value()));
             if (stack.empty())
-                document = std::move(element);
+                parsed->root = element;
             else
-                stack.back()->children.push_back(std::move(element));
-            stack.push_back(raw);
+                stack.back()->children.push_back(element);
+            stack.push_back(element);
         } else if (token == QXmlStreamReader::EndElement) {
             stack.pop_back();
         } else if (token == QXmlStreamReader::Characters && !stack.empty() &&
                    !reader.isWhitespace()) {
-            stack.back()->text += reader.text();
+            OssXmlElement *element = stack.back();
+            if (element->text.isEmpty())
+                element->text = pool.get(reader.text());
+            else
+                element->text += reader.text();
         }
     }
     if (reader.hasError()) {
@@ -95,6 +140,7 @@ std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QS
                                                          .arg(reader.lineNumber())
                                                          .arg(reader.columnNumber()));
     }
+    const OssXmlElement *document = parsed->root;
     if (!document)
         return fail(QStringLiteral("the file holds no document"));
     if (document->name != QLatin1String("OssaDocument"))
@@ -111,12 +157,12 @@ std::unique_ptr<OssXmlElement> OssDeserializer::parse(const QByteArray &data, QS
                         .arg(version)
                         .arg(OssSerializer::FormatVersion));
     int objects = 0;
-    for (const auto &child : document->children)
+    for (const OssXmlElement *child : document->children)
         objects += child->name == QLatin1String("object") ? 1 : 0;
     if (objects != 1)
         return fail(
             QStringLiteral("the document holds %1 top-level objects instead of one").arg(objects));
-    return document;
+    return parsed;
 }
 
 bool OssDeserializer::loadFromFile(const QString &path, OssSerializableObject *root, QString *error)
@@ -148,10 +194,10 @@ bool OssDeserializer::loadFromData(const QByteArray &data, OssSerializableObject
             *error = QStringLiteral("\"%1\": nothing to load into").arg(source);
         return false;
     }
-    std::unique_ptr<OssXmlElement> document = parse(data, error);
-    if (!document)
+    const std::unique_ptr<OssXmlDocument> parsed = parse(data, error);
+    if (!parsed)
         return false;
-    for (const auto &child : document->children) {
+    for (const OssXmlElement *child : parsed->root->children) {
         if (child->name != QLatin1String("object"))
             continue;
         const QString type = child->attributes.value(QStringLiteral("type"));
@@ -170,10 +216,10 @@ bool OssDeserializer::inspect(const QByteArray &data, QString *type, QString *er
                               const QString &source)
 {
     m_source = source;
-    std::unique_ptr<OssXmlElement> document = parse(data, error);
-    if (!document)
+    const std::unique_ptr<OssXmlDocument> parsed = parse(data, error);
+    if (!parsed)
         return false;
-    for (const auto &child : document->children) {
+    for (const OssXmlElement *child : parsed->root->children) {
         if (child->name == QLatin1String("object") && type)
             *type = child->attributes.value(QStringLiteral("type"));
     }
@@ -189,7 +235,7 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
     }
     const QMetaObject *meta = object->metaObject();
 
-    for (const auto &childPointer : element.children) {
+    for (const OssXmlElement *childPointer : element.children) {
         const OssXmlElement &child = *childPointer;
         const QString childName = child.attributes.value(QStringLiteral("name"));
         if (child.name == QLatin1String("property")) {
@@ -227,7 +273,7 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
                                           attributeChildren(child, false)))
                 continue;
             int index = 0;
-            for (const auto &item : child.children) {
+            for (const OssXmlElement *item : child.children) {
                 if (item->name == QLatin1String("element")) {
                     object->onLoadCollectionObject(childName, type, elementType, index++,
                                                    attributeChildren(*item, true));

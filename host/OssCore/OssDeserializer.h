@@ -11,6 +11,7 @@
 
 class OssSerializableObject;
 struct OssXmlElement;
+struct OssXmlDocument;
 
 // Reads what OssSerializer wrote. The whole document is parsed and checked before the first
 // object is touched: a missing, empty, malformed, truncated or newer-format file changes nothing
@@ -50,7 +51,7 @@ public:
     QString source() const { return m_source; }
 
 private:
-    std::unique_ptr<OssXmlElement> parse(const QByteArray &data, QString *error);
+    std::unique_ptr<OssXmlDocument> parse(const QByteArray &data, QString *error);
     void apply(const OssXmlElement &element, OssSerializableObject *object);
 
     QString m_source;

@@ -440,8 +440,9 @@ QString OssShaderNetwork::dump() const
 bool OssShaderNetwork::saveObjects(OssSerializer &serializer)
 {
     QList<OssSnBaseNode *> saved;
+    const QSet<OssSnBaseNode *> subset(m_saveSubset.cbegin(), m_saveSubset.cend());
     for (OssSnBaseNode *node : qAsConst(m_nodes))
-        if (m_saveSubset.isEmpty() || m_saveSubset.contains(node))
+        if (subset.isEmpty() || subset.contains(node))
             saved.append(node);
     for (OssSnBaseNode *node : qAsConst(saved)) {
         const OssStringMap attributes{{QStringLiteral("pathKey"), node->pathKey()}};
@@ -449,9 +450,10 @@ bool OssShaderNetwork::saveObjects(OssSerializer &serializer)
             return false;
     }
     // Only connections between saved nodes.
-    const auto kept = [&saved](OssSnBaseNode *node, const QString &input) {
+    const QSet<OssSnBaseNode *> savedSet(saved.cbegin(), saved.cend());
+    const auto kept = [&savedSet](OssSnBaseNode *node, const QString &input) {
         OssSnBaseNode *source = node->inputConnection(input);
-        return source && saved.contains(source) ? source : nullptr;
+        return source && savedSet.contains(source) ? source : nullptr;
     };
     int count = 0;
     for (OssSnBaseNode *node : qAsConst(saved))

@@ -138,6 +138,7 @@ void OssNgNode::setText(const QString &text)
     if (text == m_text)
         return;
     m_text = text;
+    m_textWidth = -1;
     relayout();
     update();
 }
@@ -423,8 +424,11 @@ void OssNgNode::relayout()
     const int inputs = visiblePorts(true).size();
     const int outputs = visiblePorts(false).size();
     QSizeF size(style->nodeWidth(), style->nodeHeight());
-    static const QFontMetricsF metrics{QFont()};
-    size.setWidth(qMax(size.width(), metrics.horizontalAdvance(m_text) + 24));
+    if (m_textWidth < 0) {
+        static const QFontMetricsF metrics{QFont()};
+        m_textWidth = metrics.horizontalAdvance(m_text);
+    }
+    size.setWidth(qMax(size.width(), m_textWidth + 24));
     if (m_portsVisible) {
         if (m_flow == Flow::Vertical)
             size.setWidth(qMax<qreal>(size.width(), qMax(inputs, outputs) * 40 + 20));

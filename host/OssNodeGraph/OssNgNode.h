@@ -239,6 +239,9 @@ protected:
     QRectF bodyRect() const;
 
     QString m_text;
+    // Width of the text in the node's font, measured on the first layout after a change: a node
+    // lays itself out again for every port it gets, and measuring text is the costly part.
+    qreal m_textWidth = -1;
     QSizeF m_size;
     int m_shapeType = 0;
 
