@@ -16,6 +16,7 @@
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgUndo.h>
+#include <OssNgView.h>
 #include <OssObjectReferenceManager.h>
 #include <OssPalette.h>
 #include <OssProject.h>
@@ -27,7 +28,10 @@
 #include <OssUndoManager.h>
 
 #include <QAction>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGraphicsScene>
+#include <QTimer>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;
@@ -252,6 +256,7 @@ void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Networ
     for (OssNgEdge *edge : gui->inputs() + gui->outputs())
         if (edge->scene() != scene)
             scene->addItem(edge);
+    m_scenesWithNewItems.insert(scene);
 }
 
 void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Network,
@@ -272,6 +277,8 @@ void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Netw
     OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Node);
     if (!gui)
         return;
+    flushPendingPolish(scene);
+    noteRemoval(scene);
     // Removed, not deleted: the view context owns them.
     if (gui->scene() == scene)
         scene->removeItem(gui);
@@ -296,12 +303,59 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
             OSS_DEBUG("Failed to find scene for network");
         return;
     }
+    releaseGuiNodes(scene);
+    delete scene;
+}
+
+void OssSnNodeGraphViewContextManager::releaseGuiNodes(QGraphicsScene *scene)
+{
+    flushPendingPolish(scene);
+    // Without an index, taking items out is cheap when it goes from the bottom of the stacking
+    // order up: the scene finds each item at the front of its list instead of searching the
+    // whole list for it.
     scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    for (QGraphicsItem *item : scene->items())
+    m_removalsThisTurn.remove(scene);
+    m_unindexedForBulkRemoval.removeAll(scene);
+    for (QGraphicsItem *item : scene->items(Qt::AscendingOrder))
         if (OssNgNode *node = OssNgNode::fromItem(item))
             if (qobject_cast<OssSnBaseNode *>(node->parent()))
                 scene->removeItem(node);
-    delete scene;
+    m_scenesWithNewItems.remove(scene);
+}
+
+void OssSnNodeGraphViewContextManager::noteRemoval(QGraphicsScene *scene)
+{
+    // A spatial index pays for each removal in every cell the item covered, and long edges cover
+    // many: removing thousands of nodes (deleting a big selection, undoing a paste) took seconds.
+    // From the BulkRemovals-th removal in one turn of the event loop on, the scene goes without
+    // an index; the index is rebuilt once, when the loop turns again.
+    constexpr int BulkRemovals = 64;
+    if (m_removalsThisTurn.isEmpty())
+        QTimer::singleShot(0, this, &OssSnNodeGraphViewContextManager::endBulkRemovals);
+    int &count = m_removalsThisTurn[scene];
+    if (++count == BulkRemovals && scene->itemIndexMethod() == QGraphicsScene::BspTreeIndex) {
+        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
+        m_unindexedForBulkRemoval.append(scene);
+    }
+}
+
+void OssSnNodeGraphViewContextManager::endBulkRemovals()
+{
+    m_removalsThisTurn.clear();
+    for (const QPointer<QGraphicsScene> &scene : qAsConst(m_unindexedForBulkRemoval))
+        if (scene)
+            OssNgView::useSpatialIndex(scene);
+    m_unindexedForBulkRemoval.clear();
+}
+
+void OssSnNodeGraphViewContextManager::flushPendingPolish(QGraphicsScene *scene)
+{
+    // A scene keeps the items added since its last turn of the event loop in a list it searches
+    // on every removal. Removing many of them before the loop turns (undo of a removal, then
+    // redo, in one go) would search that list once per item: the scene's queued call that
+    // empties the list is delivered first.
+    if (m_scenesWithNewItems.remove(scene))
+        QCoreApplication::sendPostedEvents(scene, QEvent::MetaCall);
 }
 
 void OssSnNodeGraphViewContextManager::onNetworkDestroyed(QObject *Obj)
@@ -324,16 +378,9 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
                 view->setNetwork(nullptr);
             }
     // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
-    // before the scenes are deleted. Without an index, taking items out is cheap when it goes
-    // from the bottom of the stacking order up: the scene finds each item at the front of its
-    // list instead of searching the whole list for it.
-    for (QGraphicsScene *scene : qAsConst(m_scenes)) {
-        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-        for (QGraphicsItem *item : scene->items(Qt::AscendingOrder))
-            if (OssNgNode *node = OssNgNode::fromItem(item))
-                if (qobject_cast<OssSnBaseNode *>(node->parent()))
-                    scene->removeItem(node);
-    }
+    // before the scenes are deleted.
+    for (QGraphicsScene *scene : qAsConst(m_scenes))
+        releaseGuiNodes(scene);
     qDeleteAll(m_scenes);
     m_scenes.clear();
     m_groupNodes.clear();
@@ -578,8 +625,8 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
         backdrop->setNodeSize(bounds.size());
         macro.addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
     }
-    if (scene)
-        scene->setItemIndexMethod(indexMethod);
+    if (scene && indexMethod == QGraphicsScene::BspTreeIndex)
+        OssNgView::useSpatialIndex(scene);
 }
 
 void OssSnNodeGraphViewContextManager::layoutTree(OssSnBaseNode *root,

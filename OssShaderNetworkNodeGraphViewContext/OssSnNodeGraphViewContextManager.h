@@ -232,8 +232,19 @@ private:
                     const QList<class OssNgNode *> &keepClear);
     void registerPreferences();
     void connectToHost();
+    // Takes the GUI nodes (owned by their view contexts) out of a scene that is about to go.
+    void releaseGuiNodes(QGraphicsScene *scene);
+    void flushPendingPolish(QGraphicsScene *scene);
+    void noteRemoval(QGraphicsScene *scene);
+    void endBulkRemovals();
 
     QHash<OssShaderNetwork *, QGraphicsScene *> m_scenes;
+    // Scenes that got items since their queued polish call was last delivered.
+    QSet<QGraphicsScene *> m_scenesWithNewItems;
+    // GUI nodes taken out of each scene since the event loop last turned, and the scenes that
+    // went without a spatial index for it.
+    QHash<QGraphicsScene *, int> m_removalsThisTurn;
+    QList<QPointer<QGraphicsScene>> m_unindexedForBulkRemoval;
     QHash<OssShaderNetwork *, QPointer<OssSnGroupNode>> m_groupNodes;
     QHash<OssShaderNetwork *, QRectF> m_viewRects;
     QPointer<OssSnNodeGraphWidget> m_nodeGraphWidget;

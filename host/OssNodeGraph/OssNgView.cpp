@@ -43,10 +43,23 @@ OssNgView::~OssNgView()
 void OssNgView::init()
 {
     if (QGraphicsScene *graph = scene()) {
-        // The spatial index keeps hit tests and partial repaints cheap on large graphs.
-        graph->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
+        useSpatialIndex(graph);
         graph->setBackgroundBrush(OssNgStyle::instance()->backgroundColor());
     }
+}
+
+void OssNgView::useSpatialIndex(QGraphicsScene *scene)
+{
+    // The spatial index keeps hit tests and partial repaints cheap on large graphs. Its depth is
+    // fixed: the depth Qt derives from the item count (15 levels for 10,000 nodes and their
+    // edges) files a long edge in thousands of cells, and a laid-out graph has many long edges;
+    // building the index then took seconds and every removal searched those cells. Ten levels
+    // (1,024 cells) keep cells small enough for graphs of tens of thousands of nodes.
+    constexpr int Depth = 10;
+    if (!scene)
+        return;
+    scene->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
+    scene->setBspTreeDepth(Depth);
 }
 
 QRectF OssNgView::viewportInSceneCoords() const

@@ -51,6 +51,8 @@ public:
 
     // Called once a scene is set: background, index and interaction settings.
     virtual void init();
+    // Gives a scene the spatial index node graphs use (a tree of fixed depth).
+    static void useSpatialIndex(QGraphicsScene *scene);
 
     int interactionState() const { return m_interactionState; }
     QRectF viewportInSceneCoords() const;

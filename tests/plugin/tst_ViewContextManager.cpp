@@ -8,6 +8,7 @@
 
 #include <OssActionTreeManager.h>
 #include <OssDebug.h>
+#include <OssNgEdge.h>
 #include <OssNgExtendedNode.h>
 #include <OssPalette.h>
 #include <OssProject.h>
@@ -373,6 +374,62 @@ private slots:
         OssShaderNetwork empty;
         manager()->beautifyNodesLayout(&empty, QList<OssSnBaseNode *>(), true);
         QVERIFY(capture.contains("[ !! ] Nothing to autoplace."));
+    }
+
+    // Removing many nodes at once runs without a spatial index, which comes back when the event
+    // loop turns; undo and redo straight after each other leave the scene exact.
+    void bulkRemovalGoesWithoutAnIndexUntilTheLoopTurns()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        QList<OssSnBaseNode *> chain;
+        for (int i = 0; i < 200; ++i) {
+            chain.append(network->createNode(QStringLiteral("Filter/Blur"), QString(), false));
+            OssSnNodeGraphViewContext::guiNodeOf(chain.last())->setPos(i * 300.0, (i % 7) * 90.0);
+            if (i > 0)
+                QVERIFY(chain.last()->connectInput("Input", chain.at(i - 1), "Output"));
+        }
+        QGraphicsScene *scene = manager()->sceneForNetwork(network);
+        OssNgView::useSpatialIndex(scene);
+        QCOMPARE(scene->bspTreeDepth(), 10);
+        QCoreApplication::processEvents();
+        const auto guiItemsInScene = [scene] {
+            int count = 0;
+            for (QGraphicsItem *item : scene->items())
+                count += OssNgNode::fromItem(item) || item->type() == OssNgEdge::Type ? 1 : 0;
+            return count;
+        };
+        QCOMPARE(guiItemsInScene(), 200 + 199);
+
+        // One removal keeps the index.
+        network->removeNode(chain.takeFirst());
+        QCOMPARE(scene->itemIndexMethod(), QGraphicsScene::BspTreeIndex);
+        QCoreApplication::processEvents();
+
+        QHash<QString, QPointF> positions;
+        for (OssSnBaseNode *node : qAsConst(chain))
+            positions.insert(node->name(), OssSnNodeGraphViewContext::guiNodeOf(node)->pos());
+        network->removeNodes(chain);
+        QCOMPARE(scene->itemIndexMethod(), QGraphicsScene::NoIndex);
+        QCOMPARE(guiItemsInScene(), 0);
+        QTRY_COMPARE(scene->itemIndexMethod(), QGraphicsScene::BspTreeIndex);
+        QCOMPARE(scene->bspTreeDepth(), 10);
+
+        for (int round = 0; round < 2; ++round) {
+            OssUndoManager::instance()->undo();
+            QCOMPARE(network->nodes().size(), 199);
+            QCOMPARE(guiItemsInScene(), 199 + 198);
+            OssUndoManager::instance()->redo();
+            QCOMPARE(guiItemsInScene(), 0);
+        }
+        OssUndoManager::instance()->undo();
+        QCoreApplication::processEvents();
+        QCOMPARE(scene->itemIndexMethod(), QGraphicsScene::BspTreeIndex);
+        for (OssSnBaseNode *node : network->nodes()) {
+            OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
+            QCOMPARE(gui->pos(), positions.value(node->name()));
+            // The rebuilt index finds every node where it is.
+            QVERIFY(scene->items(gui->sceneBoundingRect().center()).contains(gui));
+        }
     }
 };
 
