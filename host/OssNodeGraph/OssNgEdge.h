@@ -6,6 +6,7 @@
 #include <QGraphicsObject>
 #include <QPainterPath>
 #include <QPointer>
+#include <QPolygonF>
 
 class OssNgNode;
 
@@ -71,6 +72,7 @@ public:
 
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
+    bool contains(const QPointF &point) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 private:
@@ -82,6 +84,8 @@ private:
     QPointF m_looseEnd;
     QPainterPath m_path;
     mutable QPainterPath m_shape;
+    // The curve flattened to a polyline, for hit tests; made on first use after a change.
+    mutable QPolygonF m_polyline;
     QRectF m_bounds;
     QPointF m_start, m_end, m_middle;
     QColor m_debugColor;

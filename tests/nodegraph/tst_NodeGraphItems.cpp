@@ -87,6 +87,53 @@ private slots:
         QVERIFY(other->outputs().isEmpty());
     }
 
+    // An edge answers hit tests as its stroked shape does: on the curve and within half the
+    // band's width of it, at the dot marker when dotable, nowhere else.
+    void edgeHitTestsFollowTheCurve_data()
+    {
+        QTest::addColumn<QPointF>("targetPos");
+        QTest::addColumn<bool>("dotable");
+        QTest::newRow("short, straight") << QPointF(400, 0) << false;
+        QTest::newRow("long, climbing") << QPointF(3000, -9000) << false;
+        QTest::newRow("backwards") << QPointF(-600, 300) << false;
+        QTest::newRow("dotable") << QPointF(700, 500) << true;
+    }
+    void edgeHitTestsFollowTheCurve()
+    {
+        QFETCH(QPointF, targetPos);
+        QFETCH(bool, dotable);
+        QGraphicsScene scene;
+        OssNgExtendedNode *source = makeNode(scene, "Noise", {0, 0});
+        OssNgExtendedNode *target = makeNode(scene, "Blur", targetPos);
+        OssNgEdge *edge = target->connectInput("A", source, "Output");
+        edge->switchToDotableMode(dotable);
+        const QPainterPath curve = edge->curve();
+        for (int i = 0; i <= 20; ++i) {
+            const qreal t = i / 20.0;
+            const QPointF on = edge->mapFromScene(curve.pointAtPercent(t));
+            QVERIFY2(edge->contains(on), qPrintable(QString::number(t)));
+            // Well inside and well outside the band, across the curve's direction.
+            const qreal angle = qDegreesToRadians(curve.angleAtPercent(t) + 90.0);
+            const QPointF across(qCos(angle), -qSin(angle));
+            if (i > 0 && i < 20) {
+                QVERIFY(edge->contains(on + across * 2.5));
+                QVERIFY(edge->contains(on - across * 2.5));
+                const QPointF away = on + across * 30.0;
+                QCOMPARE(edge->contains(away), edge->shape().contains(away));
+            }
+        }
+        const QPointF marker = edge->mapFromScene(edge->dotMarkerScenePos()) + QPointF(0, 6.5);
+        QCOMPARE(edge->contains(marker), edge->shape().contains(marker));
+        QVERIFY(!edge->contains(edge->boundingRect().topLeft() - QPointF(1, 1)));
+        // The answer follows the curve when a node moves.
+        const QPointF middle = edge->mapFromScene(curve.pointAtPercent(0.5));
+        source->setPos(source->pos() + QPointF(0, 5000));
+        QCOMPARE(edge->contains(middle), edge->shape().contains(middle));
+        QVERIFY(edge->contains(edge->mapFromScene(edge->curve().pointAtPercent(0.5))));
+        // The scene's own hit test finds the edge on its curve.
+        QVERIFY(scene.items(edge->curve().pointAtPercent(0.5)).contains(edge));
+    }
+
     void deletingOrDisposingANodeTakesItsEdges()
     {
         QGraphicsScene scene;
