@@ -94,6 +94,7 @@ void OssNgEdge::adjust()
     m_bounds = path.controlPointRect();
     m_shape = QPainterPath();
     m_polyline.clear();
+    m_coarse.clear();
     m_start = start;
     m_end = end;
     // The middle of a symmetric cubic: where the dot marker sits.
@@ -229,7 +230,32 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         painter->drawLine(m_start, m_end);
         return;
     }
+    if (detail < style->textThreshold()) {
+        // Middle distance: the curve as a short polyline with a one-pixel pen, which the
+        // rasteriser draws without building a stroke.
+        if (m_coarse.isEmpty()) {
+            constexpr int Segments = 16;
+            for (int i = 0; i <= Segments; ++i)
+                m_coarse.append(m_path.pointAtPercent(qreal(i) / Segments));
+        }
+        QPen pen(color, 0);
+        if (m_bypassed || m_kind == Kind::Virtual)
+            pen.setStyle(Qt::DashLine);
+        painter->setPen(pen);
+        painter->drawPolyline(m_coarse);
+        if (m_dotable) {
+            painter->setBrush(color);
+            painter->drawEllipse(m_middle, 5, 5);
+        }
+        return;
+    }
     QPen pen(color, m_activated ? 2.5 : 1.6);
+    if (detail < 1.0 && !m_activated) {
+        // Zoomed out, the line is at most a pixel and a half wide and looks the same one pixel
+        // wide, which the rasteriser draws without building a stroke.
+        pen.setWidthF(1.0);
+        pen.setCosmetic(true);
+    }
     if (m_bypassed || m_kind == Kind::Virtual)
         pen.setStyle(Qt::DashLine);
     painter->setPen(pen);

@@ -86,6 +86,8 @@ private:
     mutable QPainterPath m_shape;
     // The curve flattened to a polyline, for hit tests; made on first use after a change.
     mutable QPolygonF m_polyline;
+    // A few points along the curve, drawn at middle distance.
+    mutable QPolygonF m_coarse;
     QRectF m_bounds;
     QPointF m_start, m_end, m_middle;
     QColor m_debugColor;

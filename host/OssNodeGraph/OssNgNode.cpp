@@ -902,6 +902,23 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         }
         return;
     }
+    if (detail < style->textThreshold()) {
+        // Middle distance: the shape's box in its colour, an outline one pixel wide and the
+        // ports as dots; curves, gradients and text cost more than they show at this size.
+        painter->fillRect(body, farColor());
+        painter->setPen(QPen(outline, isSelected() || m_highlighted ? 2 : 0));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(body);
+        const qreal radius = style->portRadius();
+        for (const QVector<OssNgPort> *ports : {&m_inputs, &m_outputs})
+            for (const OssNgPort &port : *ports)
+                if (port.visible)
+                    painter->fillRect(QRectF(portLocalPos(port) - QPointF(radius, radius),
+                                             QSizeF(2 * radius, 2 * radius)),
+                                      port.input || port.used ? style->usedPortColor()
+                                                              : style->portColor());
+        return;
+    }
     painter->setBrush(fillBrush());
     painter->setPen(QPen(outline, isSelected() || m_highlighted ? 2.5 : 1.2));
     switch (m_shapeType) {
@@ -927,9 +944,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         painter->drawRoundedRect(body, 5, 5);
         break;
     }
-    if (detail >= style->textThreshold()) {
-        painter->setPen(style->textColor());
-        painter->drawText(body, Qt::AlignCenter, m_text);
-    }
+    painter->setPen(style->textColor());
+    painter->drawText(body, Qt::AlignCenter, m_text);
     paintPorts(painter, detail > 0.6);
 }

@@ -377,6 +377,54 @@ private slots:
                 colours.insert(far.pixel(x, y));
         QVERIFY(colours.size() <= 3);
     }
+
+    // Near, a node shows its title and ports; at middle distance its ports but no title; far
+    // away, neither.
+    void levelsOfDetail_data()
+    {
+        QTest::addColumn<qreal>("scale");
+        QTest::addColumn<bool>("titleShown");
+        QTest::addColumn<bool>("portsShown");
+        QTest::newRow("near") << 1.0 << true << true;
+        QTest::newRow("middle") << 0.3 << false << true;
+        QTest::newRow("far") << 0.1 << false << false;
+    }
+    void levelsOfDetail()
+    {
+        QFETCH(qreal, scale);
+        QFETCH(bool, titleShown);
+        QFETCH(bool, portsShown);
+        QGraphicsScene scene;
+        scene.setBackgroundBrush(Qt::white);
+        OssNgExtendedNode *node = makeNode(scene, "WWWWWWWW", {0, 0});
+        const QColor fill(200, 0, 0);
+        node->setNodeColor(fill, fill);
+        const QRectF source = node->sceneBoundingRect();
+        QImage image((source.size() * scale).toSize() + QSize(1, 1), QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        scene.render(&painter, QRectF(QPointF(0, 0), source.size() * scale), source);
+        painter.end();
+        const auto toImage = [&](const QPointF &local) {
+            return ((node->mapToScene(local) - source.topLeft()) * scale).toPoint();
+        };
+        const auto differs = [&](const QRect &area) {
+            int count = 0;
+            for (int y = area.top(); y <= area.bottom(); ++y)
+                for (int x = area.left(); x <= area.right(); ++x) {
+                    const QColor c = image.pixelColor(x, y);
+                    count += qAbs(c.red() - fill.red()) + c.green() + c.blue() > 90 ? 1 : 0;
+                }
+            return count;
+        };
+        const QSizeF size = node->nodeSize();
+        const QRect title(toImage({size.width() * 0.3, size.height() * 0.4}),
+                          toImage({size.width() * 0.7, size.height() * 0.6}));
+        QCOMPARE(differs(title) > 0, titleShown);
+        // Input ports sit on the left side, inside the body's outline.
+        const QRect ports(toImage({0, size.height() * 0.2}), toImage({2, size.height() * 0.8}));
+        QCOMPARE(differs(ports.adjusted(1, 0, 1, 0)) > 0, portsShown);
+    }
 };
 
 QTEST_MAIN(tst_NodeGraphItems)
