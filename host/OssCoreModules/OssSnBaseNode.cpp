@@ -151,7 +151,9 @@ void OssSnBaseNode::addTag(const QString &tag)
 
 OssSnBaseContext *OssSnBaseNode::context(const QString &name) const
 {
-    return m_contexts.value(name).data();
+    // Asked for on every GUI lookup: found in place, without copying the guarded pointer.
+    const auto found = m_contexts.constFind(name);
+    return found == m_contexts.constEnd() ? nullptr : found->data();
 }
 
 void OssSnBaseNode::attachContext(const QString &name, OssSnBaseContext *context)

@@ -443,16 +443,21 @@ void OssNgNode::relayout()
 
 QPointF OssNgNode::portLocalPos(const OssNgPort &port) const
 {
-    const QList<const OssNgPort *> ports = visiblePorts(port.input);
+    // Counted in place: edges ask for their ends on every move and repaint.
     int index = -1;
-    for (int i = 0; i < ports.size(); ++i)
-        if (ports.at(i)->name == port.name)
-            index = i;
+    int visible = 0;
+    for (const OssNgPort &other : port.input ? m_inputs : m_outputs) {
+        if (!other.visible)
+            continue;
+        if (other.name == port.name)
+            index = visible;
+        ++visible;
+    }
     const bool vertical = m_flow == Flow::Vertical;
     // Hidden ports and folded port lists meet at the middle of their side.
     double along = 0.5;
     if (index >= 0 && m_portsVisible)
-        along = double(index + 1) / double(ports.size() + 1);
+        along = double(index + 1) / double(visible + 1);
     if (vertical)
         return QPointF(m_size.width() * along, port.input ? 0.0 : m_size.height());
     return QPointF(port.input ? 0.0 : m_size.width(), m_size.height() * along);
