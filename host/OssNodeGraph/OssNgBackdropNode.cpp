@@ -190,6 +190,7 @@ void OssNgBackdropNode::paint(QPainter *painter, const QStyleOptionGraphicsItem 
     if (option->levelOfDetailFromTransform(painter->worldTransform()) >=
         style->levelOfDetailThreshold()) {
         painter->setPen(style->textColor());
+        painter->setFont(style->titleFont());
         painter->drawText(QRectF(8, 0, body.width() - 16, titleBarHeight()),
                           Qt::AlignVCenter | Qt::AlignLeft, m_title);
         painter->drawLine(body.bottomRight() - QPointF(ResizeHandle, 2),

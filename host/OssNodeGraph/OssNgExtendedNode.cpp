@@ -238,7 +238,7 @@ void OssNgExtendedNode::paint(QPainter *painter, const QStyleOptionGraphicsItem 
         {m_marks[StaleMark], QColor(240, 150, 40), "!"},
     };
     qreal x = body.right() - 14;
-    QFont font = painter->font();
+    QFont font = OssNgStyle::instance()->titleFont();
     font.setPointSizeF(6.5);
     painter->setFont(font);
     for (const Badge &badge : badges) {

@@ -425,7 +425,7 @@ void OssNgNode::relayout()
     const int outputs = visiblePorts(false).size();
     QSizeF size(style->nodeWidth(), style->nodeHeight());
     if (m_textWidth < 0) {
-        static const QFontMetricsF metrics{QFont()};
+        const QFontMetricsF metrics(OssNgStyle::instance()->titleFont());
         m_textWidth = metrics.horizontalAdvance(m_text);
     }
     size.setWidth(qMax(size.width(), m_textWidth + 24));
@@ -835,13 +835,7 @@ void OssNgNode::paintPorts(QPainter *painter, bool withText)
 {
     const OssNgStyle *style = OssNgStyle::instance();
     const qreal radius = style->portRadius();
-    static const QFont labelFont = [] {
-        QFont font;
-        font.setPointSizeF(7);
-        return font;
-    }();
-    const QFont titleFont = painter->font();
-    painter->setFont(labelFont);
+    painter->setFont(style->labelFont());
     painter->setPen(QPen(Qt::black, 1));
     for (const QVector<OssNgPort> *ports : {&m_inputs, &m_outputs}) {
         for (const OssNgPort &port : *ports) {
@@ -881,7 +875,6 @@ void OssNgNode::paintPorts(QPainter *painter, bool withText)
             painter->setPen(QPen(Qt::black, 1));
         }
     }
-    painter->setFont(titleFont);
 }
 
 void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
@@ -950,6 +943,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         break;
     }
     painter->setPen(style->textColor());
+    painter->setFont(style->titleFont());
     painter->drawText(body, Qt::AlignCenter, m_text);
     paintPorts(painter, detail > 0.6);
 }

@@ -9,6 +9,7 @@ OssNgStyle *OssNgStyle::instance()
 OssNgStyle::OssNgStyle(QObject *parent)
     : QObject(parent), m_nodeTop(92, 96, 104), m_nodeBottom(64, 67, 74)
 {
+    m_labelFont.setPointSizeF(7);
     const auto add = [this](const char *category, QColor top) {
         m_categories.insert(QString::fromLatin1(category), {top, top.darker(140)});
     };

@@ -3,6 +3,7 @@
 #include "OssNodeGraphExport.h"
 
 #include <QColor>
+#include <QFont>
 #include <QHash>
 #include <QObject>
 #include <QPair>
@@ -49,12 +50,18 @@ public:
     double levelOfDetailThreshold() const { return 0.15; }
     // Below this zoom, nodes show their ports but no text.
     double textThreshold() const { return 0.45; }
+    // Fonts of node titles (which node sizes are measured with) and of port labels. Items set
+    // them before drawing text: the views do not restore the painter between items.
+    QFont titleFont() const { return m_titleFont; }
+    QFont labelFont() const { return m_labelFont; }
 
 signals:
     void colorsUpdated();
 
 private:
     explicit OssNgStyle(QObject *parent = nullptr);
+    QFont m_titleFont;
+    QFont m_labelFont;
     QColor m_nodeTop;
     QColor m_nodeBottom;
     QHash<QString, QPair<QColor, QColor>> m_categories;

@@ -51,7 +51,7 @@ void OssNgUINode::paint(QPainter *painter, const QStyleOptionGraphicsItem *optio
         style->levelOfDetailThreshold())
         return;
     painter->setPen(Qt::black);
-    QFont bold = painter->font();
+    QFont bold = style->titleFont();
     bold.setBold(true);
     painter->setFont(bold);
     painter->drawText(body.adjusted(8, 4, -8, 0), Qt::AlignTop | Qt::AlignLeft,

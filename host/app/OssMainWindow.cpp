@@ -151,6 +151,18 @@ void OssMainWindow::rebuildActionMenus()
     }
 }
 
+void OssMainWindow::arrangeDocks()
+{
+    QDockWidget *side = nullptr;
+    for (const QPointer<QDockWidget> &dock : qAsConst(m_docks))
+        if (dock && dock != m_mainDock && dockWidgetArea(dock) == Qt::RightDockWidgetArea)
+            side = dock;
+    if (!m_mainDock || !side)
+        return;
+    const int width = qMax(400, this->width());
+    resizeDocks({m_mainDock.data(), side}, {width * 3 / 4, width - width * 3 / 4}, Qt::Horizontal);
+}
+
 void OssMainWindow::addPalette(OssPalette *palette)
 {
     if (!palette || m_docks.contains(palette))
@@ -164,9 +176,10 @@ void OssMainWindow::addPalette(OssPalette *palette)
     // The node graph takes the large left area; panels go to the right.
     const bool main = m_docks.isEmpty();
     addDockWidget(main ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, dock);
-    if (!main)
-        resizeDocks({m_docks.begin().value().data(), dock}, {1100, 420}, Qt::Horizontal);
+    if (main)
+        m_mainDock = dock;
     m_docks.insert(palette, dock);
+    arrangeDocks();
     m_windowMenu->addAction(dock->toggleViewAction());
     connect(palette, &OssPalette::showRequested, dock, [dock] {
         dock->show();

@@ -44,6 +44,10 @@ public slots:
     void scheduleMenuRebuild();
     void rebuildActionMenus();
 
+    // Gives the node graph (the first palette) about three quarters of the width, the panels on
+    // the right the rest; called again after the window changes size programmatically.
+    void arrangeDocks();
+
 private:
     void addPalette(OssPalette *palette);
     void updateTitle();
@@ -54,5 +58,6 @@ private:
     QMenu *m_helpMenu = nullptr;
     QList<QMenu *> m_actionMenus;
     QHash<const OssPalette *, QPointer<QDockWidget>> m_docks;
+    QPointer<QDockWidget> m_mainDock;
     QTimer *m_menuTimer = nullptr;
 };

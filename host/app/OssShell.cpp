@@ -98,6 +98,12 @@ int ossRunShell(int argc, char **argv)
     plugins.loadAll(OssPluginHost::pluginDirectory(parser.value(pluginDir)));
 
     OssMainWindow window(&plugins);
+    // Offscreen there is no screen to fit: the picture is taken at the size of a common desktop
+    // monitor, where a framed network is large enough to show its node titles.
+    if (headless && parser.isSet(screenshot)) {
+        window.resize(2560, 1440);
+        window.arrangeDocks();
+    }
     const QStringList positional = parser.positionalArguments();
     bool projectOk = true;
     if (!positional.isEmpty()) {

@@ -348,6 +348,33 @@ private slots:
         QCOMPARE(clicked.count(), 1);
         QCOMPARE(clicked.first().first().value<OssNgEdge *>(), edge);
     }
+
+    // The view does not restore the painter between items: one node's port labels or badges
+    // must not change the font of the next node's title. Two nodes alike look alike.
+    void nodesAlikeDrawAlike()
+    {
+        m_a->setText("Title");
+        m_b->setText("Title");
+        m_b->setPos(m_a->pos() + QPointF(0, 200));
+        m_a->setMark(OssNgExtendedNode::CachedMark, true);
+        m_b->setMark(OssNgExtendedNode::CachedMark, true);
+        m_view->resetTransform();
+        m_view->centerOn(m_a->sceneBoundingRect().united(m_b->sceneBoundingRect()).center());
+        const QImage shot = m_view->viewport()->grab().toImage();
+        const auto picture = [&](OssNgNode *node) {
+            const QPoint corner = m_view->mapFromScene(node->scenePos());
+            return shot.copy(QRect(corner, QSize(150, 50)));
+        };
+        const QImage a = picture(m_a);
+        const QImage b = picture(m_b);
+        // Edges of shapes may fall differently on the pixel grid; titles in another font
+        // differ over a large part of the picture.
+        int differing = 0;
+        for (int y = 0; y < a.height(); ++y)
+            for (int x = 0; x < a.width(); ++x)
+                differing += qAbs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) > 40 ? 1 : 0;
+        QVERIFY2(differing < a.width() * a.height() / 100, qPrintable(QString::number(differing)));
+    }
 };
 
 QTEST_MAIN(tst_NodeGraphView)
