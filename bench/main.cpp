@@ -8,6 +8,7 @@
 #include <OssShaderNetwork.h>
 #include <OssUndoManager.h>
 
+#include <OssApplication.h>
 #include <OssDebug.h>
 #include <OssSettings.h>
 
@@ -296,6 +297,8 @@ int main(int argc, char **argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The process is set up as the host shell sets itself up.
+    OssApplication::configureAllocator();
     QApplication app(argc, argv);
     // The benchmark never touches the user's settings.
     QTemporaryDir settings;

@@ -5,6 +5,7 @@
 // worse than linear.
 //   scenario <name> <N> <ours_ms> <baseline_ms> <ratio>
 
+#include <OssApplication.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
@@ -165,6 +166,8 @@ Figures measureFloor(int count, const QString &directory)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The process is set up as the host shell sets itself up.
+    OssApplication::configureAllocator();
     QApplication app(argc, argv);
     QTemporaryDir directory;
     QTemporaryDir settings;

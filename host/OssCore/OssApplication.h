@@ -21,6 +21,12 @@ public:
     static QWidget *mainWindow();
     static void setMainWindow(QWidget *window);
 
+    // Tunes the C library's allocator for a process that opens and closes large projects: memory
+    // freed by closing one is kept for the next instead of being returned to the system and
+    // faulted in again page by page. Call once, before the first allocations that matter.
+    // Does nothing where the C library offers no such settings.
+    static void configureAllocator();
+
     static void queueDialogAnswer(const QVariant &answer);
     // The oldest queued answer, removed from the queue; invalid when none is queued.
     static QVariant takeDialogAnswer();

@@ -55,6 +55,7 @@ bool isBlank(const QImage &image)
 
 int ossRunShell(int argc, char **argv)
 {
+    OssApplication::configureAllocator();
     const bool headless = chooseOffscreenPlatform(argc, argv);
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Ossa"));
