@@ -555,9 +555,10 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
 {
     if (!StartNetwork || (StartNodes.isEmpty() && !ArrangeFromLeavesIfEmpty))
         return;
+    const QList<OssSnBaseNode *> networkNodes = StartNetwork->nodes();
     // Backdrops and their visible members, to refit them afterwards.
     QList<QPair<OssNgBackdropNode *, QList<OssNgNode *>>> backdrops;
-    for (OssSnBaseNode *node : StartNetwork->nodes()) {
+    for (OssSnBaseNode *node : networkNodes) {
         auto *backdrop =
             qobject_cast<OssNgBackdropNode *>(OssSnNodeGraphViewContext::guiNodeOf(node));
         if (!backdrop || !backdrop->isVisible())
@@ -572,7 +573,7 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
         backdrops.append({backdrop, members});
     }
     if (StartNodes.isEmpty()) {
-        for (OssSnBaseNode *node : StartNetwork->nodes()) {
+        for (OssSnBaseNode *node : networkNodes) {
             if (node->hasTag(QStringLiteral("_viewer")))
                 continue;
             bool leaf = true;
