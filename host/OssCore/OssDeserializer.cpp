@@ -238,7 +238,29 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
     for (const OssXmlElement *childPointer : element.children) {
         const OssXmlElement &child = *childPointer;
         const QString childName = child.attributes.value(QStringLiteral("name"));
-        if (child.name == QLatin1String("property")) {
+        if (child.name == QLatin1String("properties")) {
+            // Format 2: every stored property as an attribute, typed by the property itself.
+            for (const OssStringMap::Entry &entry : child.attributes) {
+                const int index = meta->indexOfProperty(entry.first.toLatin1().constData());
+                if (index < 0 || !meta->property(index).isWritable()) {
+                    m_warnings.append(
+                        QStringLiteral("%1 has no writable property \"%2\"")
+                            .arg(QString::fromLatin1(meta->className()), entry.first));
+                    continue;
+                }
+                const QMetaProperty property = meta->property(index);
+                bool ok = false;
+                const QVariant value = OssSerializer::textToVariant(
+                    entry.second,
+                    property.isEnumType() ? QStringLiteral("int")
+                                          : QString::fromLatin1(property.typeName()),
+                    &ok);
+                if (!ok || !property.write(object, value))
+                    m_warnings.append(QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
+                                          .arg(entry.first, QString::fromLatin1(meta->className()),
+                                               entry.second));
+            }
+        } else if (child.name == QLatin1String("property")) {
             const int index = meta->indexOfProperty(childName.toLatin1().constData());
             if (index < 0 || !meta->property(index).isWritable()) {
                 m_warnings.append(QStringLiteral("%1 has no writable property \"%2\"")

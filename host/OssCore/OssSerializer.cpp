@@ -14,7 +14,6 @@
 #include <QPointF>
 #include <QRect>
 #include <QRectF>
-#include <QRegularExpression>
 #include <QSaveFile>
 #include <QSize>
 #include <QSizeF>
@@ -283,6 +282,11 @@ bool OssSerializer::saveObject(OssSerializableObject *object, const QString &nam
     return true;
 }
 
+namespace {
+bool allXmlNames(const OssStringMap &attributes);
+void writeEntries(QXmlStreamWriter &w, const OssStringMap &attributes);
+} // namespace
+
 void OssSerializer::writeObject(OssSerializableObject *object, const QString &name,
                                 const OssStringMap &attributes)
 {
@@ -292,26 +296,45 @@ void OssSerializer::writeObject(OssSerializableObject *object, const QString &na
     w.writeAttribute(QStringLiteral("type"),
                      QString::fromLatin1(object->metaObject()->className()));
     w.writeAttribute(QStringLiteral("uuid"), object->uuidString());
-    for (const OssStringMap::Entry &entry : attributes) {
-        w.writeStartElement(QStringLiteral("attribute"));
-        w.writeAttribute(QStringLiteral("key"), entry.first);
-        w.writeAttribute(QStringLiteral("value"), entry.second);
+    if (!attributes.isEmpty() && allXmlNames(attributes)) {
+        w.writeStartElement(QStringLiteral("attributes"));
+        for (const OssStringMap::Entry &entry : attributes)
+            w.writeAttribute(entry.first, entry.second);
         w.writeEndElement();
+    } else {
+        writeEntries(w, attributes);
     }
 
+    // Stored properties go as attributes of one <properties> element; the reader takes each
+    // one's type from the property itself. A property whose value's type is not its declared
+    // type (one declared as QVariant) keeps an element of its own that names the type.
     const QMetaObject *meta = object->metaObject();
+    QXmlStreamAttributes compact;
+    QList<QPair<QMetaProperty, QVariant>> typed;
     for (int i = 0; i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
         if (!property.isStored(object) || !property.isWritable() ||
             qstrcmp(property.name(), "objectName") == 0)
             continue;
         const QVariant value = property.read(object);
-        const char *typeName = property.isEnumType() ? "int" : value.typeName();
+        if (property.isEnumType())
+            compact.append(QString::fromLatin1(property.name()), QString::number(value.toInt()));
+        else if (value.userType() == property.userType())
+            compact.append(QString::fromLatin1(property.name()), variantToText(value));
+        else
+            typed.append({property, value});
+    }
+    if (!compact.isEmpty()) {
+        w.writeStartElement(QStringLiteral("properties"));
+        w.writeAttributes(compact);
+        w.writeEndElement();
+    }
+    for (const auto &entry : qAsConst(typed)) {
+        const char *typeName = entry.second.typeName();
         w.writeStartElement(QStringLiteral("property"));
-        w.writeAttribute(QStringLiteral("name"), QString::fromLatin1(property.name()));
+        w.writeAttribute(QStringLiteral("name"), QString::fromLatin1(entry.first.name()));
         w.writeAttribute(QStringLiteral("type"), QString::fromLatin1(typeName ? typeName : ""));
-        w.writeCharacters(property.isEnumType() ? QString::number(value.toInt())
-                                                : variantToText(value));
+        w.writeCharacters(variantToText(entry.second));
         w.writeEndElement();
     }
 
@@ -338,12 +361,24 @@ namespace {
 
 // Keys that are XML names are written as XML attributes of one element (compact, fast to
 // read); a map with any other key is written as <attribute key=".." value=".."/> children.
+bool isXmlName(const QString &key)
+{
+    if (key.isEmpty() || key.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
+        return false;
+    for (int i = 0; i < key.size(); ++i) {
+        const ushort c = key.at(i).unicode();
+        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+        const bool other = (c >= '0' && c <= '9') || c == '.' || c == '-';
+        if (!letter && (i == 0 || !other))
+            return false;
+    }
+    return true;
+}
+
 bool allXmlNames(const OssStringMap &attributes)
 {
-    static const QRegularExpression name(QStringLiteral("^[A-Za-z_][A-Za-z0-9_.-]*$"));
     for (const OssStringMap::Entry &entry : attributes)
-        if (!name.match(entry.first).hasMatch() ||
-            entry.first.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
+        if (!isXmlName(entry.first))
             return false;
     return true;
 }

@@ -28,7 +28,7 @@ class QXmlStreamWriter;
 class OSSCORE_EXPORT OssSerializer
 {
 public:
-    static constexpr int FormatVersion = 1;
+    static constexpr int FormatVersion = 2;
 
     OssSerializer();
     ~OssSerializer();

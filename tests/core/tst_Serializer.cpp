@@ -125,6 +125,17 @@ public:
     }
 };
 
+// A property declared as QVariant: its value's type travels with it.
+class VariantHolder : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QVariant anything MEMBER m_anything)
+    Q_PROPERTY(int count MEMBER m_count)
+public:
+    QVariant m_anything;
+    int m_count = 0;
+};
+
 namespace {
 
 void fill(SampleObject &object)
@@ -245,6 +256,48 @@ private slots:
         QCOMPARE(OssSerializer().saveToData(&loaded), file.readAll());
     }
 
+    // Properties are written as XML attributes: text that attributes would normalise (line
+    // breaks, tabs, spaces at the ends) or must escape comes back unchanged.
+    void propertyTextSurvives_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("line breaks and tabs") << QStringLiteral("first\nsecond\r\n\tthird");
+        QTest::newRow("spaces at the ends") << QStringLiteral("  padded  ");
+        QTest::newRow("markup") << QStringLiteral("<a href=\"x\">&amp; 'q'</a>");
+        QTest::newRow("non-ASCII") << QStringLiteral("Rouille \u00e9paisse \u2013 \u6d4b\u8bd5");
+    }
+    void propertyTextSurvives()
+    {
+        QFETCH(QString, text);
+        SampleObject object;
+        object.m_colorTop = text;
+        object.m_tags = QStringList{text, QStringLiteral("plain")};
+        const QByteArray data = OssSerializer().saveToData(&object);
+        QVERIFY(data.contains("<properties "));
+        QVERIFY(!data.contains("<property "));
+        SampleObject loaded;
+        QString error;
+        QVERIFY2(OssDeserializer().loadFromData(data, &loaded, &error), qPrintable(error));
+        QCOMPARE(loaded.m_colorTop, text);
+        QCOMPARE(loaded.m_tags, object.m_tags);
+    }
+
+    void variantPropertiesKeepTheirType()
+    {
+        VariantHolder object;
+        object.m_anything = QPointF(1.5, -2);
+        object.m_count = 7;
+        const QByteArray data = OssSerializer().saveToData(&object);
+        QVERIFY(data.contains("<property name=\"anything\" type=\"QPointF\">"));
+        QVERIFY(data.contains("count=\"7\""));
+        VariantHolder loaded;
+        QString error;
+        QVERIFY2(OssDeserializer().loadFromData(data, &loaded, &error), qPrintable(error));
+        QCOMPARE(loaded.m_anything, QVariant(QPointF(1.5, -2)));
+        QCOMPARE(loaded.m_count, 7);
+    }
+
     void attributeOrderIsKept()
     {
         SampleObject object;
@@ -293,8 +346,8 @@ private slots:
             << "not a valid document";
         QTest::newRow("other root") << QByteArray("<project/>") << "its root element is <project>";
         QTest::newRow("newer format")
-            << QByteArray(good).replace("formatVersion=\"1\"", "formatVersion=\"2\"")
-            << "format version 2, newer than the supported version 1";
+            << QByteArray(good).replace("formatVersion=\"1\"", "formatVersion=\"3\"")
+            << "format version 3, newer than the supported version 2";
         QTest::newRow("no format version")
             << QByteArray(good).replace("formatVersion=\"1\"", "") << "no valid format version";
         QTest::newRow("no object")
