@@ -436,8 +436,18 @@ void OssNgNode::relayout()
             size.setHeight(
                 qMax<qreal>(size.height(), qMax(inputs, outputs) * style->portRowHeight() + 16));
     }
+    // Edges move only when their ends do: when the size changes (setNodeSize adjusts them) or
+    // when the visible ports or the flow change. A node lays itself out again for every port
+    // that gets used or freed, which leaves both alone.
+    uint layout = qHash(int(m_flow)) ^ (m_portsVisible ? 0x9e3779b9u : 0u);
+    for (const QVector<OssNgPort> *ports : {&m_inputs, &m_outputs})
+        for (const OssNgPort &port : *ports)
+            layout = layout * 31u + (port.visible ? qHash(port.name) : 7u);
+    const bool resized = size != m_size;
     setNodeSize(size);
-    updateEdges();
+    if (!resized && layout != m_portLayout)
+        updateEdges();
+    m_portLayout = layout;
     update();
 }
 

@@ -242,6 +242,8 @@ protected:
     // Width of the text in the node's font, measured on the first layout after a change: a node
     // lays itself out again for every port it gets, and measuring text is the costly part.
     qreal m_textWidth = -1;
+    // The visible ports and flow of the last layout, to tell whether edge ends moved.
+    uint m_portLayout = 0;
     QSizeF m_size;
     int m_shapeType = 0;
 
