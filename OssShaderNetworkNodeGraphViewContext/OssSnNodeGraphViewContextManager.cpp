@@ -33,6 +33,8 @@
 #include <QGraphicsScene>
 #include <QTimer>
 
+#include <memory>
+
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;
 
@@ -590,6 +592,8 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
         return;
     }
     OssUndoManager::AutoMacro macro(QStringLiteral("Layout Nodes"));
+    // Edges are adjusted once, after every node has its place (and before the index is back).
+    auto deferEdges = std::make_unique<OssNgNode::DeferEdgeUpdates>();
     // Moving thousands of items is quadratic with a tree index (each move re-files the item);
     // the index is rebuilt once afterwards.
     QGraphicsScene *scene = m_scenes.value(StartNetwork);
@@ -626,6 +630,7 @@ void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNe
         backdrop->setNodeSize(bounds.size());
         macro.addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
     }
+    deferEdges.reset();
     if (scene && indexMethod == QGraphicsScene::BspTreeIndex)
         OssNgView::useSpatialIndex(scene);
 }

@@ -10,10 +10,13 @@
 #include <QGraphicsScene>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPointer>
+#include <QSet>
 #include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 QString OssNgPort::label() const
 {
@@ -25,6 +28,22 @@ QString OssNgPort::label() const
 }
 
 // --- state
+
+namespace {
+
+struct DeferredEdgeUpdates
+{
+    int depth = 0;
+    QList<QPointer<OssNgNode>> nodes;
+};
+
+DeferredEdgeUpdates &deferredEdgeUpdates()
+{
+    static DeferredEdgeUpdates state;
+    return state;
+}
+
+} // namespace
 
 OssNgNodeState::OssNgNodeState(OssNgNode *node) : OssSerializableObject(node), m_node(node)
 {
@@ -150,6 +169,34 @@ void OssNgNode::setShapeType(int shapeType)
     prepareGeometryChange();
     m_shapeType = shapeType;
     update();
+}
+
+OssNgNode::DeferEdgeUpdates::DeferEdgeUpdates()
+{
+    ++deferredEdgeUpdates().depth;
+}
+
+OssNgNode::DeferEdgeUpdates::~DeferEdgeUpdates()
+{
+    DeferredEdgeUpdates &deferred = deferredEdgeUpdates();
+    if (--deferred.depth > 0)
+        return;
+    const QList<QPointer<OssNgNode>> nodes = std::exchange(deferred.nodes, {});
+    // Each edge once, however many of its ends moved; nodes deleted meanwhile took their edges.
+    QSet<OssNgEdge *> edges;
+    for (const QPointer<OssNgNode> &node : nodes) {
+        if (!node)
+            continue;
+        node->m_edgesPending = false;
+        for (OssNgEdge *edge : qAsConst(node->m_inputEdges))
+            edges.insert(edge);
+        for (OssNgEdge *edge : qAsConst(node->m_outputEdges))
+            edges.insert(edge);
+        if (node->m_virtualInputEdge)
+            node->updateEdges();
+    }
+    for (OssNgEdge *edge : qAsConst(edges))
+        edge->adjust();
 }
 
 void OssNgNode::setNodeSize(const QSizeF &size)
@@ -784,7 +831,14 @@ QVariant OssNgNode::itemChange(GraphicsItemChange change, const QVariant &value)
 {
     switch (change) {
     case ItemPositionHasChanged:
-        updateEdges();
+        if (deferredEdgeUpdates().depth > 0) {
+            if (!m_edgesPending) {
+                m_edgesPending = true;
+                deferredEdgeUpdates().nodes.append(this);
+            }
+        } else {
+            updateEdges();
+        }
         emit posChanged(value.toPointF());
         break;
     case ItemSceneHasChanged: {

@@ -93,6 +93,18 @@ public:
         Horizontal
     };
 
+    // While one of these lives, nodes that move adjust their edges once, when the last one goes
+    // out of scope: laying out thousands of nodes moves both ends of most edges, each more than
+    // once.
+    class OSSNODEGRAPH_EXPORT DeferEdgeUpdates
+    {
+    public:
+        DeferEdgeUpdates();
+        ~DeferEdgeUpdates();
+        DeferEdgeUpdates(const DeferEdgeUpdates &) = delete;
+        DeferEdgeUpdates &operator=(const DeferEdgeUpdates &) = delete;
+    };
+
     explicit OssNgNode(QGraphicsItem *parentItem = nullptr);
     ~OssNgNode() override;
     int type() const override { return Type; }
@@ -244,6 +256,8 @@ protected:
     qreal m_textWidth = -1;
     // The visible ports and flow of the last layout, to tell whether edge ends moved.
     uint m_portLayout = 0;
+    // Moved while edge updates were deferred; its edges wait for the adjustment.
+    bool m_edgesPending = false;
     QSizeF m_size;
     int m_shapeType = 0;
 

@@ -134,6 +134,38 @@ private slots:
         QVERIFY(scene.items(edge->curve().pointAtPercent(0.5)).contains(edge));
     }
 
+    // Moves inside a deferral adjust edges once, at its end; a node deleted meanwhile is no
+    // trouble.
+    void deferredEdgeUpdates()
+    {
+        QGraphicsScene scene;
+        OssNgExtendedNode *source = makeNode(scene, "Noise", {0, 0});
+        OssNgExtendedNode *target = makeNode(scene, "Blur", {400, 0});
+        OssNgExtendedNode *doomed = makeNode(scene, "Doomed", {0, 300});
+        OssNgEdge *edge = target->connectInput("A", source, "Output");
+        target->connectInput("B", doomed, "Output");
+        const QPointF before = edge->curve().pointAtPercent(0);
+        {
+            const OssNgNode::DeferEdgeUpdates outer;
+            {
+                const OssNgNode::DeferEdgeUpdates inner;
+                source->setPos(0, 200);
+                source->setPos(0, 250);
+                target->setPos(500, 100);
+            }
+            // Still deferred: the outer scope lives.
+            QCOMPARE(edge->curve().pointAtPercent(0), before);
+            doomed->setPos(50, 300);
+            delete doomed;
+        }
+        QCOMPARE(edge->curve().pointAtPercent(0), source->outputPortScenePos("Output"));
+        QCOMPARE(edge->curve().pointAtPercent(1), target->inputPortScenePos("A"));
+        QVERIFY(!target->input("B"));
+        // Outside a deferral, edges follow at once again.
+        source->setPos(0, 0);
+        QCOMPARE(edge->curve().pointAtPercent(0), source->outputPortScenePos("Output"));
+    }
+
     void deletingOrDisposingANodeTakesItsEdges()
     {
         QGraphicsScene scene;
