@@ -117,8 +117,15 @@ QColor OssNgExtendedNode::farColor() const
 void OssNgExtendedNode::setPixmap(const QPixmap &pixmap, const QPoint &offset)
 {
     m_pixmap = pixmap;
+    m_scaledPixmap = pixmap.isNull() ? QPixmap() : pixmap.scaledToHeight(16);
     m_pixmapOffset = offset;
+    relayout();
     update();
+}
+
+qreal OssNgExtendedNode::titleMargin() const
+{
+    return m_scaledPixmap.isNull() ? 0.0 : m_scaledPixmap.width() + 6.0;
 }
 
 int OssNgExtendedNode::addIcon(const QString &name)
@@ -222,7 +229,7 @@ void OssNgExtendedNode::paint(QPainter *painter, const QStyleOptionGraphicsItem 
         return;
     const QRectF body = bodyRect();
     if (!m_pixmap.isNull())
-        painter->drawPixmap(QPointF(4, 4) + m_pixmapOffset, m_pixmap.scaledToHeight(16));
+        painter->drawPixmap(QPointF(4, 4) + m_pixmapOffset, m_scaledPixmap);
     // Marks as small badges along the bottom edge, icons along the top.
     struct Badge
     {

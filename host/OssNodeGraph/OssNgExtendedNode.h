@@ -90,6 +90,7 @@ signals:
 protected:
     void relayout() override;
     bool showPortLabels() const override;
+    qreal titleMargin() const override;
 
 private:
     void applyPortVisibility();
@@ -98,6 +99,8 @@ private:
     bool m_multiChannelModes = false;
     QString m_category;
     QPixmap m_pixmap;
+    // The pixmap at the height it is drawn, made when it is set rather than on every paint.
+    QPixmap m_scaledPixmap;
     QPoint m_pixmapOffset;
     struct Icon
     {

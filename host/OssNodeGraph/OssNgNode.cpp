@@ -475,7 +475,7 @@ void OssNgNode::relayout()
         const QFontMetricsF metrics(OssNgStyle::instance()->titleFont());
         m_textWidth = metrics.horizontalAdvance(m_text);
     }
-    size.setWidth(qMax(size.width(), m_textWidth + 24));
+    size.setWidth(qMax(size.width(), m_textWidth + 24 + 2 * titleMargin()));
     if (m_portsVisible) {
         if (m_flow == Flow::Vertical)
             size.setWidth(qMax<qreal>(size.width(), qMax(inputs, outputs) * 40 + 20));
@@ -1008,6 +1008,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
     }
     painter->setPen(style->textColor());
     painter->setFont(style->titleFont());
-    painter->drawText(body, Qt::AlignCenter, m_text);
+    const qreal margin = titleMargin();
+    painter->drawText(body.adjusted(margin, 0, -margin, 0), Qt::AlignCenter, m_text);
     paintPorts(painter, detail > 0.6);
 }

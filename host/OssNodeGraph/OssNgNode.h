@@ -247,6 +247,8 @@ protected:
     QVector<OssNgPort> &outputPortVector() { return m_outputs; }
     QList<const OssNgPort *> visiblePorts(bool inputs) const;
     virtual bool showPortLabels() const { return true; }
+    // Room kept free on each side of the title (for an icon drawn beside it).
+    virtual qreal titleMargin() const { return 0; }
     void paintPorts(QPainter *painter, bool withText);
     QRectF bodyRect() const;
 
