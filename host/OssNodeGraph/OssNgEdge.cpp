@@ -15,6 +15,9 @@ OssNgEdge::OssNgEdge(OssNgNode *source, const QString &outputPoint, OssNgNode *t
     setZValue(-1);
     setAcceptHoverEvents(false);
     setFlag(ItemIsSelectable, false);
+    // Paint is told which part of the edge is exposed, so that a long edge crossing the view
+    // strokes only what shows.
+    setFlag(ItemUsesExtendedStyleOption, true);
     setSource(source, outputPoint);
     setTarget(target, inputName);
 }
@@ -260,7 +263,32 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         pen.setStyle(Qt::DashLine);
     painter->setPen(pen);
     painter->setBrush(Qt::NoBrush);
-    painter->drawPath(m_path);
+    const QRectF exposed = option->exposedRect.adjusted(-4, -4, 4, 4);
+    const QRectF bounds = boundingRect();
+    if (pen.style() == Qt::SolidLine && detail <= 2.0 &&
+        exposed.width() * exposed.height() < 0.5 * bounds.width() * bounds.height()) {
+        // Most of a long edge is out of sight: only the stretches of the flattened curve that
+        // cross the exposed area are stroked (flattened finely enough for this zoom).
+        if (m_polyline.isEmpty())
+            m_polyline = m_path.toSubpathPolygons().value(0);
+        QPolygonF run;
+        for (int i = 1; i < m_polyline.size(); ++i) {
+            const QPointF &a = m_polyline.at(i - 1);
+            const QPointF &b = m_polyline.at(i);
+            if (QRectF(a, b).normalized().adjusted(-1, -1, 1, 1).intersects(exposed)) {
+                if (run.isEmpty())
+                    run.append(a);
+                run.append(b);
+            } else if (!run.isEmpty()) {
+                painter->drawPolyline(run);
+                run.clear();
+            }
+        }
+        if (!run.isEmpty())
+            painter->drawPolyline(run);
+    } else {
+        painter->drawPath(m_path);
+    }
     if (m_dotable) {
         painter->setBrush(color);
         painter->drawEllipse(m_middle, 5, 5);

@@ -3,9 +3,11 @@
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgExtendedNode.h>
+#include <OssNgStyle.h>
 #include <OssNgView.h>
 
 #include <QGraphicsScene>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -374,6 +376,49 @@ private slots:
             for (int x = 0; x < a.width(); ++x)
                 differing += qAbs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) > 40 ? 1 : 0;
         QVERIFY2(differing < a.width() * a.height() / 100, qPrintable(QString::number(differing)));
+    }
+
+    // A long edge crossing the view is stroked only where it shows; what shows is the curve.
+    void partlyShownEdgesDrawTheirCurve()
+    {
+        OssNgExtendedNode *far = makeNode("Far", {1800, 1600});
+        OssNgEdge *edge = far->connectInput("Input", m_a, "Output");
+        QVERIFY(edge);
+        m_b->hide();
+        m_a->hide();
+        far->hide();
+        m_view->resetTransform();
+        m_view->centerOn(edge->curve().pointAtPercent(0.5));
+        QVERIFY(edge->sceneBoundingRect().width() > m_view->viewportInSceneCoords().width());
+        const QImage shown = m_view->viewport()->grab().toImage();
+        // The same curve, stroked whole with the edge's pen, for comparison.
+        QImage whole(shown.size(), QImage::Format_ARGB32_Premultiplied);
+        whole.fill(OssNgStyle::instance()->backgroundColor());
+        edge->hide();
+        {
+            QPainter painter(&whole);
+            painter.setRenderHint(QPainter::Antialiasing);
+            m_view->render(&painter);
+            painter.setTransform(m_view->viewportTransform());
+            painter.setPen(QPen(OssNgStyle::instance()->edgeColor(), 1.6));
+            painter.drawPath(edge->curve());
+        }
+        edge->show();
+        int curvePixels = 0;
+        int differing = 0;
+        const QColor background = OssNgStyle::instance()->backgroundColor();
+        for (int y = 0; y < shown.height(); ++y)
+            for (int x = 0; x < shown.width(); ++x) {
+                const QColor a = shown.pixelColor(x, y);
+                const QColor b = whole.pixelColor(x, y);
+                if (qAbs(b.lightness() - background.lightness()) > 60)
+                    ++curvePixels;
+                if (qAbs(a.lightness() - b.lightness()) > 60)
+                    ++differing;
+            }
+        QVERIFY2(curvePixels > 200, qPrintable(QString::number(curvePixels)));
+        QVERIFY2(differing < curvePixels / 20,
+                 qPrintable(QStringLiteral("%1 of %2").arg(differing).arg(curvePixels)));
     }
 };
 
