@@ -89,12 +89,7 @@ void OssNgEdge::adjust()
     const QPointF end = endPoint();
     const QPointF outDirection = m_source ? m_source->outputPortDirection() : QPointF(0, 1);
     const QPointF inDirection = m_target ? m_target->inputPortDirection() : QPointF(0, -1);
-    // The tangents reach half the distance the ends lie apart along the flow (at least 40,
-    // at most 600): an edge between nodes far apart across the flow (one column to the next but
-    // many rows down) stays between its ends instead of swinging out sideways by a fraction of
-    // its whole length.
-    const qreal along = qAbs(QPointF::dotProduct(end - start, outDirection));
-    const qreal reach = qBound<qreal>(40.0, along * 0.5, 600.0);
+    const qreal reach = qMax<qreal>(40.0, QLineF(start, end).length() * 0.4);
     QPainterPath path(start);
     path.cubicTo(start + outDirection * reach, end + inDirection * reach, end);
     m_path = path;

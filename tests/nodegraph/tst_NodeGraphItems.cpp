@@ -134,33 +134,6 @@ private slots:
         QVERIFY(scene.items(edge->curve().pointAtPercent(0.5)).contains(edge));
     }
 
-    // An edge running forward stays between its ends along the flow, however far apart they
-    // are across it (a laid-out column to the next, thousands of units down).
-    void forwardEdgesStayBetweenTheirEnds_data()
-    {
-        QTest::addColumn<QPointF>("targetPos");
-        QTest::newRow("next column, far down") << QPointF(450, 20000);
-        QTest::newRow("next column, far up") << QPointF(450, -9000);
-        QTest::newRow("far ahead") << QPointF(6000, 300);
-    }
-    void forwardEdgesStayBetweenTheirEnds()
-    {
-        QFETCH(QPointF, targetPos);
-        QGraphicsScene scene;
-        OssNgExtendedNode *source = makeNode(scene, "Noise", {0, 0});
-        OssNgExtendedNode *target = makeNode(scene, "Blur", targetPos);
-        OssNgEdge *edge = target->connectInput("A", source, "Output");
-        const QPointF start = source->outputPortScenePos("Output");
-        const QPointF end = target->inputPortScenePos("A");
-        QVERIFY(end.x() > start.x());
-        for (int i = 0; i <= 100; ++i) {
-            const QPointF at = edge->mapToScene(edge->curve().pointAtPercent(i / 100.0));
-            QVERIFY2(at.x() >= start.x() - 0.5 && at.x() <= end.x() + 0.5,
-                     qPrintable(QStringLiteral("%1 at %2").arg(at.x()).arg(i)));
-        }
-        QVERIFY(edge->sceneBoundingRect().width() <= end.x() - start.x() + 21);
-    }
-
     // Moves inside a deferral adjust edges once, at its end; a node deleted meanwhile is no
     // trouble.
     void deferredEdgeUpdates()
