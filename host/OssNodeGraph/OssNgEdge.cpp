@@ -263,8 +263,8 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         pen.setStyle(Qt::DashLine);
     painter->setPen(pen);
     painter->setBrush(Qt::NoBrush);
-    const QRectF exposed = option->exposedRect.adjusted(-4, -4, 4, 4);
     const QRectF bounds = boundingRect();
+    const QRectF exposed = option->exposedRect.adjusted(-4, -4, 4, 4) & bounds;
     if (pen.style() == Qt::SolidLine && detail <= 2.0 &&
         exposed.width() * exposed.height() < 0.5 * bounds.width() * bounds.height()) {
         // Most of a long edge is out of sight: only the stretches of the flattened curve that
