@@ -322,7 +322,6 @@ void OssSnNodeGraphViewContextManager::releaseGuiNodes(QGraphicsScene *scene)
         if (OssNgNode *node = OssNgNode::fromItem(item))
             if (qobject_cast<OssSnBaseNode *>(node->parent()))
                 scene->removeItem(node);
-    m_scenesWithNewItems.remove(scene);
 }
 
 void OssSnNodeGraphViewContextManager::noteRemoval(QGraphicsScene *scene)

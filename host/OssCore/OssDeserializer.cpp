@@ -226,6 +226,28 @@ bool OssDeserializer::inspect(const QByteArray &data, QString *type, QString *er
     return true;
 }
 
+void OssDeserializer::applyProperty(OssSerializableObject *object, const QString &name,
+                                    const QString &text, const QString &typeName)
+{
+    const QMetaObject *meta = object->metaObject();
+    const int index = meta->indexOfProperty(name.toLatin1().constData());
+    if (index < 0 || !meta->property(index).isWritable()) {
+        m_warnings.append(QStringLiteral("%1 has no writable property \"%2\"")
+                              .arg(QString::fromLatin1(meta->className()), name));
+        return;
+    }
+    const QMetaProperty property = meta->property(index);
+    QString type = typeName;
+    if (type.isEmpty())
+        type = property.isEnumType() ? QStringLiteral("int")
+                                     : QString::fromLatin1(property.typeName());
+    bool ok = false;
+    const QVariant value = OssSerializer::textToVariant(text, type, &ok);
+    if (!ok || !property.write(object, value))
+        m_warnings.append(QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
+                              .arg(name, QString::fromLatin1(meta->className()), text));
+}
+
 void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject *object)
 {
     if (m_restoreUuids) {
@@ -233,47 +255,17 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
         if (!uuid.isNull())
             object->setUuid(uuid);
     }
-    const QMetaObject *meta = object->metaObject();
 
     for (const OssXmlElement *childPointer : element.children) {
         const OssXmlElement &child = *childPointer;
         const QString childName = child.attributes.value(QStringLiteral("name"));
         if (child.name == QLatin1String("properties")) {
             // Format 2: every stored property as an attribute, typed by the property itself.
-            for (const OssStringMap::Entry &entry : child.attributes) {
-                const int index = meta->indexOfProperty(entry.first.toLatin1().constData());
-                if (index < 0 || !meta->property(index).isWritable()) {
-                    m_warnings.append(
-                        QStringLiteral("%1 has no writable property \"%2\"")
-                            .arg(QString::fromLatin1(meta->className()), entry.first));
-                    continue;
-                }
-                const QMetaProperty property = meta->property(index);
-                bool ok = false;
-                const QVariant value = OssSerializer::textToVariant(
-                    entry.second,
-                    property.isEnumType() ? QStringLiteral("int")
-                                          : QString::fromLatin1(property.typeName()),
-                    &ok);
-                if (!ok || !property.write(object, value))
-                    m_warnings.append(QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
-                                          .arg(entry.first, QString::fromLatin1(meta->className()),
-                                               entry.second));
-            }
+            for (const OssStringMap::Entry &entry : child.attributes)
+                applyProperty(object, entry.first, entry.second, QString());
         } else if (child.name == QLatin1String("property")) {
-            const int index = meta->indexOfProperty(childName.toLatin1().constData());
-            if (index < 0 || !meta->property(index).isWritable()) {
-                m_warnings.append(QStringLiteral("%1 has no writable property \"%2\"")
-                                      .arg(QString::fromLatin1(meta->className()), childName));
-                continue;
-            }
-            bool ok = false;
-            const QVariant value = OssSerializer::textToVariant(
-                child.text, child.attributes.value(QStringLiteral("type")), &ok);
-            if (!ok || !meta->property(index).write(object, value))
-                m_warnings.append(
-                    QStringLiteral("property \"%1\" of %2: cannot use \"%3\"")
-                        .arg(childName, QString::fromLatin1(meta->className()), child.text));
+            applyProperty(object, childName, child.text,
+                          child.attributes.value(QStringLiteral("type")));
         } else if (child.name == QLatin1String("userAttribute")) {
             bool ok = false;
             const QVariant value = OssSerializer::textToVariant(

@@ -53,6 +53,10 @@ public:
 private:
     std::unique_ptr<OssXmlDocument> parse(const QByteArray &data, QString *error);
     void apply(const OssXmlElement &element, OssSerializableObject *object);
+    // Writes one saved property, converted from Text as TypeName (empty: the property's own
+    // type); a missing property or a value that does not convert becomes a warning.
+    void applyProperty(OssSerializableObject *object, const QString &name, const QString &text,
+                       const QString &typeName);
 
     QString m_source;
     QString m_currentUuid;

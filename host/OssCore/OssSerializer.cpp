@@ -283,8 +283,57 @@ bool OssSerializer::saveObject(OssSerializableObject *object, const QString &nam
 }
 
 namespace {
-bool allXmlNames(const OssStringMap &attributes);
-void writeEntries(QXmlStreamWriter &w, const OssStringMap &attributes);
+
+// Keys that are XML names are written as XML attributes of one element (compact, fast to
+// read); a map with any other key is written as <attribute key=".." value=".."/> children.
+bool isXmlName(const QString &key)
+{
+    if (key.isEmpty() || key.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
+        return false;
+    for (int i = 0; i < key.size(); ++i) {
+        const ushort c = key.at(i).unicode();
+        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+        const bool other = (c >= '0' && c <= '9') || c == '.' || c == '-';
+        if (!letter && (i == 0 || !other))
+            return false;
+    }
+    return true;
+}
+
+bool allXmlNames(const OssStringMap &attributes)
+{
+    for (const OssStringMap::Entry &entry : attributes)
+        if (!isXmlName(entry.first))
+            return false;
+    return true;
+}
+
+void writeEntries(QXmlStreamWriter &w, const OssStringMap &attributes)
+{
+    for (const OssStringMap::Entry &entry : attributes) {
+        w.writeStartElement(QStringLiteral("attribute"));
+        w.writeAttribute(QStringLiteral("key"), entry.first);
+        w.writeAttribute(QStringLiteral("value"), entry.second);
+        w.writeEndElement();
+    }
+}
+
+// A string map as one <attributes k=".."/> element when every key is an XML name, otherwise
+// as <attribute key=".." value=".."/> children; an empty map writes nothing.
+void writeAttributeMap(QXmlStreamWriter &w, const OssStringMap &attributes)
+{
+    if (attributes.isEmpty())
+        return;
+    if (!allXmlNames(attributes)) {
+        writeEntries(w, attributes);
+        return;
+    }
+    w.writeStartElement(QStringLiteral("attributes"));
+    for (const OssStringMap::Entry &entry : attributes)
+        w.writeAttribute(entry.first, entry.second);
+    w.writeEndElement();
+}
+
 } // namespace
 
 void OssSerializer::writeObject(OssSerializableObject *object, const QString &name,
@@ -296,14 +345,7 @@ void OssSerializer::writeObject(OssSerializableObject *object, const QString &na
     w.writeAttribute(QStringLiteral("type"),
                      QString::fromLatin1(object->metaObject()->className()));
     w.writeAttribute(QStringLiteral("uuid"), object->uuidString());
-    if (!attributes.isEmpty() && allXmlNames(attributes)) {
-        w.writeStartElement(QStringLiteral("attributes"));
-        for (const OssStringMap::Entry &entry : attributes)
-            w.writeAttribute(entry.first, entry.second);
-        w.writeEndElement();
-    } else {
-        writeEntries(w, attributes);
-    }
+    writeAttributeMap(w, attributes);
 
     // Stored properties go as attributes of one <properties> element; the reader takes each
     // one's type from the property itself. A property whose value's type is not its declared
@@ -357,44 +399,6 @@ void OssSerializer::writeObject(OssSerializableObject *object, const QString &na
     w.writeEndElement();
 }
 
-namespace {
-
-// Keys that are XML names are written as XML attributes of one element (compact, fast to
-// read); a map with any other key is written as <attribute key=".." value=".."/> children.
-bool isXmlName(const QString &key)
-{
-    if (key.isEmpty() || key.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
-        return false;
-    for (int i = 0; i < key.size(); ++i) {
-        const ushort c = key.at(i).unicode();
-        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-        const bool other = (c >= '0' && c <= '9') || c == '.' || c == '-';
-        if (!letter && (i == 0 || !other))
-            return false;
-    }
-    return true;
-}
-
-bool allXmlNames(const OssStringMap &attributes)
-{
-    for (const OssStringMap::Entry &entry : attributes)
-        if (!isXmlName(entry.first))
-            return false;
-    return true;
-}
-
-void writeEntries(QXmlStreamWriter &w, const OssStringMap &attributes)
-{
-    for (const OssStringMap::Entry &entry : attributes) {
-        w.writeStartElement(QStringLiteral("attribute"));
-        w.writeAttribute(QStringLiteral("key"), entry.first);
-        w.writeAttribute(QStringLiteral("value"), entry.second);
-        w.writeEndElement();
-    }
-}
-
-} // namespace
-
 void OssSerializer::beginCollection(const QString &name, int count, const QString &type,
                                     const QString &elementType, const OssStringMap &attributes)
 {
@@ -406,14 +410,7 @@ void OssSerializer::beginCollection(const QString &name, int count, const QStrin
     w.writeAttribute(QStringLiteral("count"), QString::number(count));
     w.writeAttribute(QStringLiteral("type"), type);
     w.writeAttribute(QStringLiteral("elementType"), elementType);
-    if (!attributes.isEmpty() && allXmlNames(attributes)) {
-        w.writeStartElement(QStringLiteral("attributes"));
-        for (const OssStringMap::Entry &entry : attributes)
-            w.writeAttribute(entry.first, entry.second);
-        w.writeEndElement();
-    } else {
-        writeEntries(w, attributes);
-    }
+    writeAttributeMap(w, attributes);
     ++m_openCollections;
 }
 

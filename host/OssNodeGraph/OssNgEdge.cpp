@@ -198,8 +198,7 @@ bool OssNgEdge::contains(const QPointF &point) const
         return true;
     if (!boundingRect().contains(point))
         return false;
-    if (m_polyline.isEmpty())
-        m_polyline = m_path.toSubpathPolygons().value(0);
+    const QPolygonF &curve = flattened();
     const auto near = [&point](const QPointF &a, const QPointF &b) {
         const QPointF along = b - a;
         const qreal length2 = QPointF::dotProduct(along, along);
@@ -208,10 +207,17 @@ bool OssNgEdge::contains(const QPointF &point) const
         const QPointF off = point - (a + along * t);
         return QPointF::dotProduct(off, off) <= HalfWidth * HalfWidth;
     };
-    for (int i = 1; i < m_polyline.size(); ++i)
-        if (near(m_polyline.at(i - 1), m_polyline.at(i)))
+    for (int i = 1; i < curve.size(); ++i)
+        if (near(curve.at(i - 1), curve.at(i)))
             return true;
-    return m_polyline.size() == 1 && near(m_polyline.first(), m_polyline.first());
+    return curve.size() == 1 && near(curve.first(), curve.first());
+}
+
+const QPolygonF &OssNgEdge::flattened() const
+{
+    if (m_polyline.isEmpty())
+        m_polyline = m_path.toSubpathPolygons().value(0);
+    return m_polyline;
 }
 
 void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
@@ -233,27 +239,9 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         painter->drawLine(m_start, m_end);
         return;
     }
-    if (detail < style->textThreshold()) {
-        // Middle distance: the curve as a short polyline with a one-pixel pen, which the
-        // rasteriser draws without building a stroke.
-        if (m_coarse.isEmpty()) {
-            constexpr int Segments = 16;
-            for (int i = 0; i <= Segments; ++i)
-                m_coarse.append(m_path.pointAtPercent(qreal(i) / Segments));
-        }
-        QPen pen(color, 0);
-        if (m_bypassed || m_kind == Kind::Virtual)
-            pen.setStyle(Qt::DashLine);
-        painter->setPen(pen);
-        painter->drawPolyline(m_coarse);
-        if (m_dotable) {
-            painter->setBrush(color);
-            painter->drawEllipse(m_middle, 5, 5);
-        }
-        return;
-    }
+    const bool middle = detail < style->textThreshold();
     QPen pen(color, m_activated ? 2.5 : 1.6);
-    if (detail < 1.0 && !m_activated) {
+    if (middle || (detail < 1.0 && !m_activated)) {
         // Zoomed out, the line is at most a pixel and a half wide and looks the same one pixel
         // wide, which the rasteriser draws without building a stroke.
         pen.setWidthF(1.0);
@@ -265,16 +253,23 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
     painter->setBrush(Qt::NoBrush);
     const QRectF bounds = boundingRect();
     const QRectF exposed = option->exposedRect.adjusted(-4, -4, 4, 4) & bounds;
-    if (pen.style() == Qt::SolidLine && detail <= 2.0 &&
-        exposed.width() * exposed.height() < 0.5 * bounds.width() * bounds.height()) {
+    if (middle) {
+        // Middle distance: the curve as a short polyline.
+        if (m_coarse.isEmpty()) {
+            constexpr int Segments = 16;
+            for (int i = 0; i <= Segments; ++i)
+                m_coarse.append(m_path.pointAtPercent(qreal(i) / Segments));
+        }
+        painter->drawPolyline(m_coarse);
+    } else if (pen.style() == Qt::SolidLine && detail <= 2.0 &&
+               exposed.width() * exposed.height() < 0.5 * bounds.width() * bounds.height()) {
         // Most of a long edge is out of sight: only the stretches of the flattened curve that
         // cross the exposed area are stroked (flattened finely enough for this zoom).
-        if (m_polyline.isEmpty())
-            m_polyline = m_path.toSubpathPolygons().value(0);
+        const QPolygonF &curve = flattened();
         QPolygonF run;
-        for (int i = 1; i < m_polyline.size(); ++i) {
-            const QPointF &a = m_polyline.at(i - 1);
-            const QPointF &b = m_polyline.at(i);
+        for (int i = 1; i < curve.size(); ++i) {
+            const QPointF &a = curve.at(i - 1);
+            const QPointF &b = curve.at(i);
             if (QRectF(a, b).normalized().adjusted(-1, -1, 1, 1).intersects(exposed)) {
                 if (run.isEmpty())
                     run.append(a);

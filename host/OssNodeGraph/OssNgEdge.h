@@ -76,6 +76,9 @@ public:
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 private:
+    // The curve flattened to a polyline (hit tests, partial strokes).
+    const QPolygonF &flattened() const;
+
     Kind m_kind;
     QPointer<OssNgNode> m_source;
     QPointer<OssNgNode> m_target;
@@ -84,7 +87,7 @@ private:
     QPointF m_looseEnd;
     QPainterPath m_path;
     mutable QPainterPath m_shape;
-    // The curve flattened to a polyline, for hit tests; made on first use after a change.
+    // Made on first use after the curve changes.
     mutable QPolygonF m_polyline;
     // A few points along the curve, drawn at middle distance.
     mutable QPolygonF m_coarse;
