@@ -1,19 +1,15 @@
 #include "OssUndoManager.h"
 
-#include <QUndoCommand>
-#include <QUndoStack>
+#include "OssUndoCommand.h"
 
-#include <vector>
-
-// The step a macro becomes. Its steps already ran when they were added, so the first redo() (the
-// one QUndoStack::push makes) does nothing.
-class OssUndoMacroCommand : public QUndoCommand
+// The step a macro becomes: the steps made inside it, undone in reverse order.
+class OssUndoMacroCommand : public OssUndoCommand
 {
 public:
-    explicit OssUndoMacroCommand(const QString &title) : QUndoCommand(title) {}
+    explicit OssUndoMacroCommand(const QString &title) : OssUndoCommand(title) {}
     ~OssUndoMacroCommand() override
     {
-        for (QUndoCommand *step : m_steps)
+        for (OssUndoCommand *step : m_steps)
             delete step;
     }
 
@@ -24,16 +20,11 @@ public:
     }
     void redo() override
     {
-        if (m_skipRedo) {
-            m_skipRedo = false;
-            return;
-        }
-        for (QUndoCommand *step : m_steps)
+        for (OssUndoCommand *step : m_steps)
             step->redo();
     }
 
-    std::vector<QUndoCommand *> m_steps;
-    bool m_skipRedo = true;
+    std::vector<OssUndoCommand *> m_steps;
 };
 
 namespace {
@@ -50,27 +41,6 @@ private:
     bool &m_flag;
     bool m_previous;
 };
-
-// A step pushed outside a macro whose change is already made.
-class AlreadyDoneCommand : public QUndoCommand
-{
-public:
-    explicit AlreadyDoneCommand(QUndoCommand *step) : QUndoCommand(step->text()), m_step(step) {}
-    ~AlreadyDoneCommand() override { delete m_step; }
-    void undo() override { m_step->undo(); }
-    void redo() override
-    {
-        if (m_first) {
-            m_first = false;
-            return;
-        }
-        m_step->redo();
-    }
-
-private:
-    QUndoCommand *m_step;
-    bool m_first = true;
-};
 } // namespace
 
 OssUndoManager *OssUndoManager::instance()
@@ -79,36 +49,47 @@ OssUndoManager *OssUndoManager::instance()
     return manager;
 }
 
-OssUndoManager::OssUndoManager(QObject *parent) : QObject(parent), m_stack(new QUndoStack(this)) {}
+OssUndoManager::OssUndoManager(QObject *parent) : QObject(parent) {}
 
-void OssUndoManager::addUndo(QUndoCommand *step, bool execute)
+OssUndoManager::~OssUndoManager() = default;
+
+void OssUndoManager::addUndo(OssUndoCommand *step, bool execute)
 {
     if (!step)
         return;
+    std::unique_ptr<OssUndoCommand> owned(step);
     if (m_replaying) {
         // Undo and redo replay recorded steps; a step made during replay would be recorded twice.
-        delete step;
         return;
+    }
+    if (execute) {
+        ReplayGuard guard(m_replaying);
+        owned->redo();
     }
     if (m_macro) {
-        if (execute) {
-            ReplayGuard guard(m_replaying);
-            step->redo();
-        }
-        m_macro->m_steps.push_back(step);
+        m_macro->m_steps.push_back(owned.release());
         return;
     }
-    {
-        ReplayGuard guard(m_replaying);
-        m_stack->push(execute ? step : new AlreadyDoneCommand(step));
-    }
+    record(std::move(owned));
     emit historyChanged();
+}
+
+void OssUndoManager::record(std::unique_ptr<OssUndoCommand> step)
+{
+    // The undone steps go, newest first; a step that owns a node taken out of its network
+    // deletes it with itself.
+    while (count() > m_index)
+        m_steps.pop_back();
+    if (m_cleanIndex > m_index)
+        m_cleanIndex = -1;
+    m_steps.push_back(std::move(step));
+    ++m_index;
 }
 
 void OssUndoManager::openMacro(const QString &title)
 {
     if (m_macroDepth++ == 0)
-        m_macro = new OssUndoMacroCommand(title);
+        m_macro = std::make_unique<OssUndoMacroCommand>(title);
 }
 
 void OssUndoManager::closeMacro()
@@ -117,17 +98,11 @@ void OssUndoManager::closeMacro()
         return;
     if (--m_macroDepth > 0)
         return;
-    OssUndoMacroCommand *macro = m_macro;
-    m_macro = nullptr;
+    std::unique_ptr<OssUndoMacroCommand> macro = std::move(m_macro);
     // A cancelled macro has no steps left unless more were made after the cancel.
-    if (macro->m_steps.empty()) {
-        delete macro;
+    if (macro->m_steps.empty())
         return;
-    }
-    {
-        ReplayGuard guard(m_replaying);
-        m_stack->push(macro);
-    }
+    record(std::move(macro));
     emit historyChanged();
 }
 
@@ -142,64 +117,61 @@ void OssUndoManager::cancelMacroFrom(int firstStep)
         return;
     ReplayGuard guard(m_replaying);
     while (static_cast<int>(m_macro->m_steps.size()) > firstStep) {
-        QUndoCommand *step = m_macro->m_steps.back();
+        OssUndoCommand *step = m_macro->m_steps.back();
         m_macro->m_steps.pop_back();
         step->undo();
         delete step;
     }
 }
 
-bool OssUndoManager::canUndo() const
-{
-    return m_stack->canUndo();
-}
-
-bool OssUndoManager::canRedo() const
-{
-    return m_stack->canRedo();
-}
-
 QString OssUndoManager::undoText() const
 {
-    return m_stack->undoText();
+    return canUndo() ? m_steps[static_cast<size_t>(m_index - 1)]->text() : QString();
 }
 
 QString OssUndoManager::redoText() const
 {
-    return m_stack->redoText();
-}
-
-int OssUndoManager::count() const
-{
-    return m_stack->count();
+    return canRedo() ? m_steps[static_cast<size_t>(m_index)]->text() : QString();
 }
 
 void OssUndoManager::clear()
 {
     if (m_macro)
         return;
-    m_stack->clear();
+    std::vector<std::unique_ptr<OssUndoCommand>> steps = std::move(m_steps);
+    m_steps.clear();
+    m_index = 0;
+    m_cleanIndex = 0;
+    for (std::unique_ptr<OssUndoCommand> &step : steps)
+        step.reset();
     emit historyChanged();
+}
+
+void OssUndoManager::setClean()
+{
+    m_cleanIndex = m_index;
 }
 
 void OssUndoManager::undo()
 {
-    if (m_macro || !m_stack->canUndo())
+    if (m_macro || !canUndo())
         return;
     {
         ReplayGuard guard(m_replaying);
-        m_stack->undo();
+        m_steps[static_cast<size_t>(m_index - 1)]->undo();
+        --m_index;
     }
     emit historyChanged();
 }
 
 void OssUndoManager::redo()
 {
-    if (m_macro || !m_stack->canRedo())
+    if (m_macro || !canRedo())
         return;
     {
         ReplayGuard guard(m_replaying);
-        m_stack->redo();
+        m_steps[static_cast<size_t>(m_index)]->redo();
+        ++m_index;
     }
     emit historyChanged();
 }
@@ -216,7 +188,7 @@ OssUndoManager::AutoMacro::~AutoMacro()
     OssUndoManager::instance()->closeMacro();
 }
 
-void OssUndoManager::AutoMacro::addUndo(QUndoCommand *step, bool execute)
+void OssUndoManager::AutoMacro::addUndo(OssUndoCommand *step, bool execute)
 {
     OssUndoManager::instance()->addUndo(step, execute);
 }

@@ -11,7 +11,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QUndoStack>
 
 OssProjectManager *OssProjectManager::instance()
 {
@@ -69,7 +68,7 @@ bool OssProjectManager::saveProject(const QString &path, QString *error)
     if (!serializer.saveToFile(path, m_project, error, QStringLiteral("project")))
         return false;
     m_project->setFilePath(QFileInfo(path).absoluteFilePath());
-    OssUndoManager::instance()->undoStack()->setClean();
+    OssUndoManager::instance()->setClean();
     return true;
 }
 

@@ -5,8 +5,8 @@
 
 OssSnConnectCommand::OssSnConnectCommand(OssSnBaseNode *target, const QString &input,
                                          OssSnBaseNode *newSource, const QString &newOutput)
-    : QUndoCommand(newSource ? QStringLiteral("Connect %1").arg(input)
-                             : QStringLiteral("Disconnect %1").arg(input)),
+    : OssUndoCommand(newSource ? QStringLiteral("Connect %1").arg(input)
+                               : QStringLiteral("Disconnect %1").arg(input)),
       m_target(target), m_input(input), m_oldSource(target->inputConnection(input)),
       m_newSource(newSource), m_oldOutput(target->inputOutputPoint(input)), m_newOutput(newOutput)
 {}
@@ -26,7 +26,7 @@ void OssSnConnectCommand::undo()
 OssSnValueCommand::OssSnValueCommand(const QString &text, OssSnBaseNode *node,
                                      const QVariant &oldValue, const QVariant &newValue,
                                      Setter setter)
-    : QUndoCommand(text), m_node(node), m_old(oldValue), m_new(newValue),
+    : OssUndoCommand(text), m_node(node), m_old(oldValue), m_new(newValue),
       m_setter(std::move(setter))
 {}
 
@@ -45,7 +45,7 @@ void OssSnValueCommand::undo()
 OssSnNodeAttributeCommand::OssSnNodeAttributeCommand(const QString &text, OssSnBaseNode *node,
                                                      const QList<OssCustomAttribute> &before,
                                                      const QList<OssCustomAttribute> &after)
-    : QUndoCommand(text), m_node(node), m_before(before), m_after(after)
+    : OssUndoCommand(text), m_node(node), m_before(before), m_after(after)
 {}
 
 namespace {
@@ -77,7 +77,8 @@ void OssSnNodeAttributeCommand::undo()
 }
 
 OssSnInsertNodeCommand::OssSnInsertNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)
-    : QUndoCommand(QStringLiteral("Create %1").arg(node->name())), m_network(network), m_node(node)
+    : OssUndoCommand(QStringLiteral("Create %1").arg(node->name())), m_network(network),
+      m_node(node)
 {}
 
 OssSnInsertNodeCommand::~OssSnInsertNodeCommand()
@@ -99,7 +100,8 @@ void OssSnInsertNodeCommand::undo()
 }
 
 OssSnRemoveNodeCommand::OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)
-    : QUndoCommand(QStringLiteral("Remove %1").arg(node->name())), m_network(network), m_node(node)
+    : OssUndoCommand(QStringLiteral("Remove %1").arg(node->name())), m_network(network),
+      m_node(node)
 {}
 
 OssSnRemoveNodeCommand::~OssSnRemoveNodeCommand()
@@ -137,7 +139,7 @@ void OssSnRemoveNodeCommand::undo()
 }
 
 OssSnViewerEdgeCommand::OssSnViewerEdgeCommand(OssShaderNetwork *network, int oldEdge, int newEdge)
-    : QUndoCommand(QStringLiteral("Switch Viewer Input")), m_network(network), m_old(oldEdge),
+    : OssUndoCommand(QStringLiteral("Switch Viewer Input")), m_network(network), m_old(oldEdge),
       m_new(newEdge)
 {}
 

@@ -3,10 +3,10 @@
 #include "OssCoreModulesExport.h"
 
 #include <OssCustomAttribute.h>
+#include <OssUndoCommand.h>
 
 #include <QList>
 #include <QPointer>
-#include <QUndoCommand>
 #include <QVariant>
 
 #include <functional>
@@ -17,7 +17,7 @@ class OssSnBaseNode;
 // Undo steps of the shader-network model. Each restores exactly what it changed.
 
 // One input's connection: from (old source, old output point) to (new source, new output).
-class OSSCOREMODULES_EXPORT OssSnConnectCommand : public QUndoCommand
+class OSSCOREMODULES_EXPORT OssSnConnectCommand : public OssUndoCommand
 {
 public:
     OssSnConnectCommand(OssSnBaseNode *target, const QString &input, OssSnBaseNode *newSource,
@@ -33,7 +33,7 @@ private:
 };
 
 // A value change applied through a setter taking the new value (name, enabled, bypass, ...).
-class OSSCOREMODULES_EXPORT OssSnValueCommand : public QUndoCommand
+class OSSCOREMODULES_EXPORT OssSnValueCommand : public OssUndoCommand
 {
 public:
     using Setter = std::function<void(OssSnBaseNode *, const QVariant &)>;
@@ -49,7 +49,7 @@ private:
 };
 
 // The whole ordered node-attribute list of a node, before and after.
-class OSSCOREMODULES_EXPORT OssSnNodeAttributeCommand : public QUndoCommand
+class OSSCOREMODULES_EXPORT OssSnNodeAttributeCommand : public OssUndoCommand
 {
 public:
     OssSnNodeAttributeCommand(const QString &text, OssSnBaseNode *node,
@@ -65,7 +65,7 @@ private:
 
 // Puts a node into a network (redo) or takes it out (undo). While the node is out of every
 // network, the step owns it and deletes it with itself.
-class OSSCOREMODULES_EXPORT OssSnInsertNodeCommand : public QUndoCommand
+class OSSCOREMODULES_EXPORT OssSnInsertNodeCommand : public OssUndoCommand
 {
 public:
     OssSnInsertNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node);
@@ -80,7 +80,7 @@ private:
 
 // Takes a node and every connection to and from it out of its network (redo) and puts them
 // back (undo). Owns the node while it is out.
-class OSSCOREMODULES_EXPORT OssSnRemoveNodeCommand : public QUndoCommand
+class OSSCOREMODULES_EXPORT OssSnRemoveNodeCommand : public OssUndoCommand
 {
 public:
     OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node);
@@ -103,7 +103,7 @@ private:
 };
 
 // The viewer's current edge of a root network.
-class OSSCOREMODULES_EXPORT OssSnViewerEdgeCommand : public QUndoCommand
+class OSSCOREMODULES_EXPORT OssSnViewerEdgeCommand : public OssUndoCommand
 {
 public:
     OssSnViewerEdgeCommand(OssShaderNetwork *network, int oldEdge, int newEdge);

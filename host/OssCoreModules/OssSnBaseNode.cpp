@@ -8,6 +8,7 @@
 #include <OssDebug.h>
 #include <OssDeserializer.h>
 #include <OssSerializer.h>
+#include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
 #include <QSet>
@@ -29,7 +30,7 @@ bool portTypesCompatible(const QString &inputType, const QString &outputType)
     return inputType == QLatin1String("shader") && outputType == QLatin1String("material");
 }
 
-void pushOrRun(QUndoCommand *command, bool undoable)
+void pushOrRun(OssUndoCommand *command, bool undoable)
 {
     if (undoable && !OssUndoManager::instance()->isReplaying()) {
         OssUndoManager::instance()->addUndo(command);

@@ -10,12 +10,12 @@
 #include <OssDeserializer.h>
 #include <OssLinkedCustomAttributeManager.h>
 #include <OssSerializer.h>
+#include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
 #include <QFile>
 #include <QImage>
 #include <QPainter>
-#include <QUndoCommand>
 
 namespace {
 
@@ -46,11 +46,11 @@ namespace {
 using Links = QList<OssLinkedCustomAttributeManager::Link>;
 
 // Sets the links of one knob to a given list, and back.
-class KnobLinksCommand : public QUndoCommand
+class KnobLinksCommand : public OssUndoCommand
 {
 public:
     KnobLinksCommand(OssSnGroupNode *group, const QString &knob, const Links &after)
-        : QUndoCommand(QStringLiteral("Link %1").arg(knob)), m_group(group), m_knob(knob),
+        : OssUndoCommand(QStringLiteral("Link %1").arg(knob)), m_group(group), m_knob(knob),
           m_before(OssLinkedCustomAttributeManager::instance()->links(group, knob)), m_after(after)
     {}
     void redo() override { apply(m_after); }
@@ -72,7 +72,7 @@ private:
     Links m_before, m_after;
 };
 
-void pushStep(QUndoCommand *command)
+void pushStep(OssUndoCommand *command)
 {
     if (OssUndoManager::instance()->isReplaying()) {
         command->redo();
@@ -210,11 +210,11 @@ bool OssSnGroupNode::reorderInputs(const QStringList &order)
     if (!setInputOrder(order))
         return false;
     // Record the new order as a step of its own; replaying sets the order directly.
-    class ReorderCommand : public QUndoCommand
+    class ReorderCommand : public OssUndoCommand
     {
     public:
         ReorderCommand(OssSnGroupNode *group, QStringList before, QStringList after)
-            : QUndoCommand(QStringLiteral("Reorder Group Inputs")), m_group(group),
+            : OssUndoCommand(QStringLiteral("Reorder Group Inputs")), m_group(group),
               m_before(std::move(before)), m_after(std::move(after))
         {}
         void redo() override

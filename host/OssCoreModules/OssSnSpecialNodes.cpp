@@ -7,22 +7,22 @@
 #include "OssSnNodeTypeCatalogue.h"
 
 #include <OssSerializer.h>
+#include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
 #include <QCryptographicHash>
 #include <QFile>
 #include <QSet>
-#include <QUndoCommand>
 
 namespace {
 
 // Swaps a custom procedural's definition (ports, attributes, source) and back.
-class CustomProceduralDefinitionCommand : public QUndoCommand
+class CustomProceduralDefinitionCommand : public OssUndoCommand
 {
 public:
     CustomProceduralDefinitionCommand(OssSnCustomProceduralNode *node, const OssSnNodeType &after,
                                       const QString &sourceFile)
-        : QUndoCommand(QStringLiteral("Import Custom Procedural")), m_node(node), m_after(after),
+        : OssUndoCommand(QStringLiteral("Import Custom Procedural")), m_node(node), m_after(after),
           m_afterFile(sourceFile), m_beforeFile(node->sourceFile())
     {
         m_before.pathKey = node->pathKey();

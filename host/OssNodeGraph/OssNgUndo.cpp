@@ -3,16 +3,15 @@
 #include "OssNgBackdropNode.h"
 #include "OssNgNode.h"
 
-OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node, QUndoCommand *parent)
-    : OssNgNodePositionChangeUndo(node, node->savedPosition(), node->pos(), parent)
+OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node)
+    : OssNgNodePositionChangeUndo(node, node->savedPosition(), node->pos())
 {}
 
 OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node,
                                                          const QPointF &oldPosition,
-                                                         const QPointF &newPosition,
-                                                         QUndoCommand *parent)
-    : QUndoCommand(QStringLiteral("Move %1").arg(node->text()), parent), m_node(node),
-      m_old(oldPosition), m_new(newPosition)
+                                                         const QPointF &newPosition)
+    : OssUndoCommand(QStringLiteral("Move %1").arg(node->text())), m_node(node), m_old(oldPosition),
+      m_new(newPosition)
 {}
 
 void OssNgNodePositionChangeUndo::redo()
@@ -27,11 +26,9 @@ void OssNgNodePositionChangeUndo::undo()
         m_node->setPos(m_old);
 }
 
-OssNgBackdropNodeRectChangeUndo::OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop,
-                                                                 QUndoCommand *parent)
-    : QUndoCommand(QStringLiteral("Resize %1").arg(backdrop->titleText()), parent),
-      m_backdrop(backdrop), m_old(backdrop->savedBoundingRect()),
-      m_new(QRectF(backdrop->pos(), backdrop->nodeSize()))
+OssNgBackdropNodeRectChangeUndo::OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop)
+    : OssUndoCommand(QStringLiteral("Resize %1").arg(backdrop->titleText())), m_backdrop(backdrop),
+      m_old(backdrop->savedBoundingRect()), m_new(QRectF(backdrop->pos(), backdrop->nodeSize()))
 {}
 
 void OssNgBackdropNodeRectChangeUndo::apply(const QRectF &rect)

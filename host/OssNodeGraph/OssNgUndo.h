@@ -2,22 +2,23 @@
 
 #include "OssNodeGraphExport.h"
 
+#include <OssUndoCommand.h>
+
 #include <QPointF>
 #include <QPointer>
 #include <QRectF>
-#include <QUndoCommand>
 
 class OssNgNode;
 class OssNgBackdropNode;
 
 // One move of one GUI node: from the position saved with savePosition() (or given) to where it
 // is now (or given).
-class OSSNODEGRAPH_EXPORT OssNgNodePositionChangeUndo : public QUndoCommand
+class OSSNODEGRAPH_EXPORT OssNgNodePositionChangeUndo : public OssUndoCommand
 {
 public:
-    explicit OssNgNodePositionChangeUndo(OssNgNode *node, QUndoCommand *parent = nullptr);
+    explicit OssNgNodePositionChangeUndo(OssNgNode *node);
     OssNgNodePositionChangeUndo(OssNgNode *node, const QPointF &oldPosition,
-                                const QPointF &newPosition, QUndoCommand *parent = nullptr);
+                                const QPointF &newPosition);
     void redo() override;
     void undo() override;
     QPointF oldPosition() const { return m_old; }
@@ -30,11 +31,10 @@ private:
 
 // One change of a backdrop's rectangle (position and size): from the rectangle saved with
 // saveBoundingRect() to the present one.
-class OSSNODEGRAPH_EXPORT OssNgBackdropNodeRectChangeUndo : public QUndoCommand
+class OSSNODEGRAPH_EXPORT OssNgBackdropNodeRectChangeUndo : public OssUndoCommand
 {
 public:
-    explicit OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop,
-                                             QUndoCommand *parent = nullptr);
+    explicit OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop);
     void redo() override;
     void undo() override;
 

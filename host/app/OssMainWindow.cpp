@@ -21,7 +21,6 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QTimer>
-#include <QUndoStack>
 
 OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     : QMainWindow(parent), m_plugins(plugins)
@@ -42,11 +41,25 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     file->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence::Quit);
 
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
-    QUndoStack *stack = OssUndoManager::instance()->undoStack();
-    QAction *undo = stack->createUndoAction(this, tr("&Undo"));
+    QAction *undo = new QAction(this);
     undo->setShortcut(QKeySequence::Undo);
-    QAction *redo = stack->createRedoAction(this, tr("&Redo"));
+    QAction *redo = new QAction(this);
     redo->setShortcut(QKeySequence::Redo);
+    OssUndoManager *history = OssUndoManager::instance();
+    connect(undo, &QAction::triggered, history, &OssUndoManager::undo);
+    connect(redo, &QAction::triggered, history, &OssUndoManager::redo);
+    // The actions name the step they act on ("&Undo Move Blur") and are off when there is none.
+    const auto followHistory = [undo, redo, history] {
+        const auto label = [](const QString &prefix, const QString &step) {
+            return step.isEmpty() ? prefix : prefix + QLatin1Char(' ') + step;
+        };
+        undo->setEnabled(history->canUndo());
+        undo->setText(label(tr("&Undo"), history->undoText()));
+        redo->setEnabled(history->canRedo());
+        redo->setText(label(tr("&Redo"), history->redoText()));
+    };
+    followHistory();
+    connect(history, &OssUndoManager::historyChanged, undo, followHistory);
     edit->addAction(undo);
     edit->addAction(redo);
     edit->addSeparator();

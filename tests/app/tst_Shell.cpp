@@ -9,6 +9,7 @@
 #include <OssPalette.h>
 #include <OssPreferenceManager.h>
 #include <OssProjectManager.h>
+#include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
 #include <QAction>
@@ -20,7 +21,6 @@
 #include <QMenuBar>
 #include <QProcess>
 #include <QSpinBox>
-#include <QUndoCommand>
 #include <QtTest>
 
 namespace {
@@ -72,10 +72,13 @@ private:
     Mode m_mode = Loud;
 };
 
-class Step : public QUndoCommand
+// A step that changes nothing: only its place in the history matters.
+class Step : public OssUndoCommand
 {
 public:
-    explicit Step(const QString &text) : QUndoCommand(text) {}
+    explicit Step(const QString &text) : OssUndoCommand(text) {}
+    void redo() override {}
+    void undo() override {}
 };
 
 QString builtPluginDirectory()
@@ -212,13 +215,22 @@ private slots:
                 edit = entry->menu();
         QVERIFY(edit);
         QAction *undo = edit->actions().at(0);
+        QAction *redo = edit->actions().at(1);
         QVERIFY(!undo->isEnabled());
+        QCOMPARE(undo->text(), QStringLiteral("&Undo"));
         OssUndoManager::instance()->addUndo(new Step(QStringLiteral("Move Node")));
         QVERIFY(undo->isEnabled());
         QCOMPARE(undo->text(), QStringLiteral("&Undo Move Node"));
+        QVERIFY(!redo->isEnabled());
         undo->trigger();
         QVERIFY(!undo->isEnabled());
+        QVERIFY(redo->isEnabled());
+        QCOMPARE(redo->text(), QStringLiteral("&Redo Move Node"));
+        redo->trigger();
+        QCOMPARE(undo->text(), QStringLiteral("&Undo Move Node"));
         OssUndoManager::instance()->clear();
+        QVERIFY(!undo->isEnabled());
+        QCOMPARE(redo->text(), QStringLiteral("&Redo"));
     }
 
     void palettesBecomeDocks()

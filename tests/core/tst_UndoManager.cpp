@@ -1,8 +1,7 @@
 #include "OssTestEnvironment.h"
+#include "OssUndoCommand.h"
 #include "OssUndoManager.h"
 
-#include <QUndoCommand>
-#include <QUndoStack>
 #include <QtTest>
 
 #include <memory>
@@ -13,21 +12,27 @@ namespace {
 // The state the steps change: a list of numbers.
 QList<int> g_values;
 
-class AppendStep : public QUndoCommand
+class AppendStep : public OssUndoCommand
 {
 public:
     explicit AppendStep(int value)
-        : QUndoCommand(QStringLiteral("Append %1").arg(value)), m_value(value)
+        : OssUndoCommand(QStringLiteral("Append %1").arg(value)), m_value(value)
     {}
+    ~AppendStep() override { s_deleted.append(m_value); }
     void redo() override { g_values.append(m_value); }
     void undo() override { g_values.removeLast(); }
+
+    // The values of the steps deleted so far, in order.
+    static QList<int> s_deleted;
 
 private:
     int m_value;
 };
 
+QList<int> AppendStep::s_deleted;
+
 // A faulty step that tries to record another step while it is replayed.
-class RecordingStep : public QUndoCommand
+class RecordingStep : public OssUndoCommand
 {
 public:
     void redo() override
@@ -74,6 +79,7 @@ private slots:
     {
         OssUndoManager::instance()->clear();
         g_values.clear();
+        AppendStep::s_deleted.clear();
     }
 
     void macros_data()
@@ -139,6 +145,55 @@ private slots:
         while (manager->canRedo())
             manager->redo();
         QCOMPARE(g_values, parseValues(after));
+    }
+
+    void recordingDropsUndoneSteps()
+    {
+        OssUndoManager *manager = OssUndoManager::instance();
+        runScript(QStringLiteral("+1 +2 +3"));
+        manager->undo();
+        manager->undo();
+        QCOMPARE(manager->count(), 3);
+        QCOMPARE(manager->index(), 1);
+        QCOMPARE(manager->redoText(), QStringLiteral("Append 2"));
+        QVERIFY(AppendStep::s_deleted.isEmpty());
+        // The new step replaces both undone ones, which go newest first.
+        runScript(QStringLiteral("+4"));
+        QCOMPARE(AppendStep::s_deleted, QList<int>({3, 2}));
+        QCOMPARE(g_values, QList<int>({1, 4}));
+        QCOMPARE(manager->count(), 2);
+        QVERIFY(!manager->canRedo());
+        QCOMPARE(manager->redoText(), QString());
+        QCOMPARE(manager->undoText(), QStringLiteral("Append 4"));
+        manager->clear();
+        QCOMPARE(AppendStep::s_deleted, QList<int>({3, 2, 1, 4}));
+        QCOMPARE(manager->count(), 0);
+        QVERIFY(!manager->canUndo());
+        QCOMPARE(manager->undoText(), QString());
+    }
+
+    void cleanState()
+    {
+        OssUndoManager *manager = OssUndoManager::instance();
+        QVERIFY(manager->isClean());
+        runScript(QStringLiteral("+1"));
+        QVERIFY(!manager->isClean());
+        manager->setClean();
+        QVERIFY(manager->isClean());
+        runScript(QStringLiteral("+2"));
+        QVERIFY(!manager->isClean());
+        manager->undo();
+        QVERIFY(manager->isClean());
+        manager->undo();
+        QVERIFY(!manager->isClean());
+        // Recording after undoing past the clean state loses it for good.
+        runScript(QStringLiteral("+3"));
+        manager->undo();
+        QVERIFY(!manager->isClean());
+        manager->redo();
+        QVERIFY(!manager->isClean());
+        manager->clear();
+        QVERIFY(manager->isClean());
     }
 
     void stepAlreadyMadeIsNotRunAgain()
