@@ -8,7 +8,6 @@ namespace {
 struct ApplicationState
 {
     bool popupsAllowed = true;
-    QPointer<QWidget> mainWindow;
     QList<QVariant> answers;
 };
 
@@ -27,16 +26,6 @@ bool OssApplication::popupsAllowed()
 void OssApplication::setPopupsAllowed(bool allowed)
 {
     state().popupsAllowed = allowed;
-}
-
-QWidget *OssApplication::mainWindow()
-{
-    return state().mainWindow;
-}
-
-void OssApplication::setMainWindow(QWidget *window)
-{
-    state().mainWindow = window;
 }
 
 void OssApplication::queueDialogAnswer(const QVariant &answer)

@@ -3,23 +3,19 @@
 #include "OssCoreExport.h"
 
 #include <QList>
-#include <QPointer>
 #include <QVariant>
-#include <QWidget>
 
 // Application-wide facts the host's code asks about: whether dialogs may be shown (not in batch
-// or headless use), and the main window that parents them.
+// or headless use).
 //
 // Tests and scripts can queue answers for the next dialogs; a dialog that finds a queued answer
-// uses it instead of asking.
+// uses it instead of asking. The dialogs themselves, and the main window that parents them
+// (OssGuiApplication), belong to OssGui: the model libraries ask the user nothing.
 class OSSCORE_EXPORT OssApplication
 {
 public:
     static bool popupsAllowed();
     static void setPopupsAllowed(bool allowed);
-
-    static QWidget *mainWindow();
-    static void setMainWindow(QWidget *window);
 
     // Tunes the C library's allocator for a process that opens and closes large projects: memory
     // freed by closing one is kept for the next instead of being returned to the system and

@@ -7,9 +7,9 @@
 #include <OssDebug.h>
 #include <OssUndoManager.h>
 
-#include <QAction>
 #include <QDragEnterEvent>
 #include <QFileInfo>
+#include <QIcon>
 #include <QImageReader>
 #include <QMimeData>
 #include <QRegularExpression>
@@ -138,19 +138,19 @@ void OssImageManager::clear()
     emit imagesChanged();
 }
 
-void OssImageManager::registerGlobalContextMenuAction(QAction *action, const QString &menuTitle,
+void OssImageManager::registerGlobalContextMenuAction(QObject *action, const QString &menuTitle,
                                                       const QString &iconPath)
 {
     if (!action)
         return;
     if (!iconPath.isEmpty())
-        action->setIcon(QIcon(iconPath));
+        action->setProperty("icon", QIcon(iconPath));
     m_actions.append({menuTitle, action});
 }
 
-QList<QAction *> OssImageManager::globalContextMenuActions(const QString &menuTitle) const
+QList<QObject *> OssImageManager::globalContextMenuObjects(const QString &menuTitle) const
 {
-    QList<QAction *> actions;
+    QList<QObject *> actions;
     for (const auto &entry : m_actions)
         if (entry.first == menuTitle && entry.second)
             actions.append(entry.second);
@@ -317,31 +317,4 @@ bool OssMaterialPaintManager::autoconnectMergeNode(OssSnBaseNode *selected, OssS
             : QStringLiteral("Base");
     OssUndoManager::AutoMacro macro(QStringLiteral("Connect Merge"));
     return merge->connectInput(input, selected, selected->prefferedOutputPoint());
-}
-
-// --- canvas
-
-void OssCanvasWidget::handleBakeBehavior(OssChannel *imageSet)
-{
-    ++m_flushes;
-    m_last = imageSet;
-    emit paintBufferFlushed(imageSet);
-}
-
-namespace {
-QPointer<OssCanvasWidget> &canvasSlot()
-{
-    static QPointer<OssCanvasWidget> canvas;
-    return canvas;
-}
-} // namespace
-
-OssCanvasWidget *OssCanvasManager::currentCanvas()
-{
-    return canvasSlot().data();
-}
-
-void OssCanvasManager::setCurrentCanvas(OssCanvasWidget *canvas)
-{
-    canvasSlot() = canvas;
 }

@@ -11,9 +11,7 @@
 #include <QStringList>
 #include <QUuid>
 #include <QVariantMap>
-#include <QWidget>
 
-class OssChannel;
 class OssShaderNetwork;
 class OssSnBaseNode;
 class QAction;
@@ -108,9 +106,21 @@ public:
     OssImage *getImage(const OssImageUniqueId &id) const;
     void clear();
 
-    void registerGlobalContextMenuAction(QAction *action, const QString &menuTitle,
+    // Context-menu actions are QActions. The manager keeps them as QObjects, so that the model
+    // needs no QtWidgets, and gives an action its icon through the "icon" property; the typed
+    // list is made where QAction is known (the menu that shows them).
+    void registerGlobalContextMenuAction(QObject *action, const QString &menuTitle,
                                          const QString &iconPath);
-    QList<QAction *> globalContextMenuActions(const QString &menuTitle) const;
+    template <typename Action = QAction>
+    QList<Action *> globalContextMenuActions(const QString &menuTitle) const
+    {
+        QList<Action *> actions;
+        for (QObject *object : globalContextMenuObjects(menuTitle))
+            if (auto *action = qobject_cast<Action *>(object))
+                actions.append(action);
+        return actions;
+    }
+    QList<QObject *> globalContextMenuObjects(const QString &menuTitle) const;
     QStringList globalContextMenuTitles() const;
 
     // Takes a drag of image files or loaded image ids for target 4 (the node graph).
@@ -124,7 +134,7 @@ signals:
 private:
     explicit OssImageManager(QObject *parent = nullptr);
     QList<OssImage *> m_images;
-    QList<QPair<QString, QPointer<QAction>>> m_actions;
+    QList<QPair<QString, QPointer<QObject>>> m_actions;
 };
 
 // The host's general drag and drop: drops on the node graph (target 4) of image files or image
@@ -170,30 +180,4 @@ public:
 
 private:
     explicit OssMaterialPaintManager(QObject *parent = nullptr);
-};
-
-// A paint canvas. The host layer has no paint engine: flushing the paint buffer into an
-// image set is recorded, which is what the node graph needs to know.
-class OSSCOREMODULES_EXPORT OssCanvasWidget : public QWidget
-{
-    Q_OBJECT
-public:
-    using QWidget::QWidget;
-    void handleBakeBehavior(OssChannel *imageSet);
-    int flushCount() const { return m_flushes; }
-    OssChannel *lastFlushedImageSet() const { return m_last; }
-
-signals:
-    void paintBufferFlushed(OssChannel *imageSet);
-
-private:
-    int m_flushes = 0;
-    QPointer<OssChannel> m_last;
-};
-
-class OSSCOREMODULES_EXPORT OssCanvasManager
-{
-public:
-    static OssCanvasWidget *currentCanvas();
-    static void setCurrentCanvas(OssCanvasWidget *canvas);
 };

@@ -7,9 +7,9 @@
 #include <OssSerializer.h>
 #include <OssUndoManager.h>
 
-#include <QApplication>
 #include <QClipboard>
 #include <QFile>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QSaveFile>
 
@@ -77,13 +77,13 @@ bool OssShaderNetworkIO::copyNodesToClipboard(const QList<OssSnBaseNode *> &node
     auto *mime = new QMimeData;
     mime->setData(QString::fromLatin1(MimeType), data);
     mime->setText(text.isEmpty() ? QString::fromUtf8(data) : text);
-    QApplication::clipboard()->setMimeData(mime);
+    QGuiApplication::clipboard()->setMimeData(mime);
     return true;
 }
 
 bool OssShaderNetworkIO::clipboardHasNodes()
 {
-    const QMimeData *mime = QApplication::clipboard()->mimeData();
+    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
     return mime && mime->hasFormat(QString::fromLatin1(MimeType));
 }
 
@@ -91,7 +91,7 @@ QList<OssSnBaseNode *> OssShaderNetworkIO::pasteNodesFromClipboard(OssShaderNetw
                                                                    bool undoable, const QPointF &,
                                                                    QString *error)
 {
-    const QMimeData *mime = QApplication::clipboard()->mimeData();
+    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
     QByteArray data;
     if (mime && mime->hasFormat(QString::fromLatin1(MimeType)))
         data = mime->data(QString::fromLatin1(MimeType));

@@ -13,8 +13,6 @@
 #include <OssDebug.h>
 #include <OssUndoManager.h>
 
-#include <QAction>
-
 #include <functional>
 
 namespace {
@@ -228,16 +226,16 @@ void OssShaderNetworkManager::setCurrentViewerNode(OssSnBaseNode *node)
     emit currentViewerNodeChanged(node);
 }
 
-void OssShaderNetworkManager::registerGlobalContextMenuAction(QAction *action)
+void OssShaderNetworkManager::registerGlobalContextMenuAction(QObject *action)
 {
-    if (action && !globalContextMenuActions().contains(action))
+    if (action && !globalContextMenuObjects().contains(action))
         m_globalActions.append(action);
 }
 
-QList<QAction *> OssShaderNetworkManager::globalContextMenuActions() const
+QList<QObject *> OssShaderNetworkManager::globalContextMenuObjects() const
 {
-    QList<QAction *> actions;
-    for (const QPointer<QAction> &action : m_globalActions)
+    QList<QObject *> actions;
+    for (const QPointer<QObject> &action : m_globalActions)
         if (action)
             actions.append(action);
     return actions;

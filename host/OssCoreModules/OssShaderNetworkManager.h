@@ -71,8 +71,19 @@ public:
     OssSnBaseNode *currentViewerNode() const { return m_currentViewer; }
     void setCurrentViewerNode(OssSnBaseNode *node);
 
-    void registerGlobalContextMenuAction(QAction *action);
-    QList<QAction *> globalContextMenuActions() const;
+    // Global context-menu actions are QActions. The manager keeps them as QObjects, so that the
+    // model needs no QtWidgets; the typed list is made where QAction is known (the menu that
+    // shows them).
+    void registerGlobalContextMenuAction(QObject *action);
+    template <typename Action = QAction> QList<Action *> globalContextMenuActions() const
+    {
+        QList<Action *> actions;
+        for (QObject *object : globalContextMenuObjects())
+            if (auto *action = qobject_cast<Action *>(object))
+                actions.append(action);
+        return actions;
+    }
+    QList<QObject *> globalContextMenuObjects() const;
 
     bool attributeSmartLinkingEnabled() const { return m_smartLinking; }
     void setAttributeSmartLinkingEnabled(bool enabled) { m_smartLinking = enabled; }
@@ -136,7 +147,7 @@ private:
     QPointer<OssShaderNetwork> m_currentNetwork;
     QPointer<OssShaderNetwork> m_currentViewNetwork;
     QPointer<OssSnBaseNode> m_currentViewer;
-    QList<QPointer<QAction>> m_globalActions;
+    QList<QPointer<QObject>> m_globalActions;
     QHash<OssShaderNetwork *, int> m_refreshCounts;
     OssDebugNodeColours m_debugNodes;
     OssDebugInputColours m_debugInputs;

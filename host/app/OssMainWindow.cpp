@@ -4,9 +4,9 @@
 #include "OssPreferencesDialog.h"
 
 #include <OssActionTreeManager.h>
-#include <OssApplication.h>
 #include <OssDebug.h>
 #include <OssGroupParameterObject.h>
+#include <OssGuiApplication.h>
 #include <OssHostDialogs.h>
 #include <OssPalette.h>
 #include <OssProject.h>
@@ -28,7 +28,7 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     setObjectName(QStringLiteral("OssMainWindow"));
     resize(1600, 1000);
     setDockNestingEnabled(true);
-    OssApplication::setMainWindow(this);
+    OssGuiApplication::setMainWindow(this);
 
     QMenu *file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&New Project"), this, &OssMainWindow::newProject, QKeySequence::New);
@@ -91,8 +91,8 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
 
 OssMainWindow::~OssMainWindow()
 {
-    if (OssApplication::mainWindow() == this)
-        OssApplication::setMainWindow(nullptr);
+    if (OssGuiApplication::mainWindow() == this)
+        OssGuiApplication::setMainWindow(nullptr);
     // Palettes belong to their plug-ins; give them back before the docks go.
     for (auto it = m_docks.begin(); it != m_docks.end(); ++it)
         if (it.value() && it.value()->widget()) {

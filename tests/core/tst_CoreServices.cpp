@@ -1,4 +1,3 @@
-#include "OssActionTreeManager.h"
 #include "OssClassFactory.h"
 #include "OssColor.h"
 #include "OssCustomAttribute.h"
@@ -10,7 +9,6 @@
 #include "OssStatusManager.h"
 #include "OssTestEnvironment.h"
 
-#include <QAction>
 #include <QFile>
 #include <QtTest>
 
@@ -153,75 +151,6 @@ private slots:
         QVERIFY(replaced.isNull());
         QCOMPARE(manager->create(QStringLiteral("Widget"), &owner)->metaObject()->className(),
                  "Gadget");
-    }
-
-    void actionIdentities_data()
-    {
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("fullPath");
-
-        QTest::newRow("trailing slash") << "/Ossa/NodeGraph/"
-                                        << "Autoplace"
-                                        << "/Ossa/NodeGraph/Autoplace";
-        QTest::newRow("no trailing slash") << "/Ossa/NodeGraph"
-                                           << "Autoplace"
-                                           << "/Ossa/NodeGraph/Autoplace";
-        QTest::newRow("no leading slash") << "Ossa/NodeGraph/"
-                                          << "Autoplace"
-                                          << "Ossa/NodeGraph/Autoplace";
-        QTest::newRow("empty menu folder") << "/Ossa/NodeGraph/Create/"
-                                           << "Foo"
-                                           << "/Ossa/NodeGraph/Create/Foo";
-    }
-
-    void actionIdentities()
-    {
-        QFETCH(QString, folder);
-        QFETCH(QString, text);
-        QFETCH(QString, fullPath);
-        OssActionTreeManager *tree = OssActionTreeManager::instance();
-        QSignalSpy spy(tree, &OssActionTreeManager::actionRegistered);
-        auto action = std::make_unique<QAction>(text);
-        tree->registerAction(folder, action.get());
-        QCOMPARE(spy.count(), 1);
-        QVERIFY(tree->hasAction(fullPath));
-        QCOMPARE(tree->findAction(fullPath), action.get());
-        QVERIFY(tree->folders().contains(folder));
-        QVERIFY(tree->actions(folder).contains(action.get()));
-        action.reset();
-        QVERIFY(!tree->hasAction(fullPath));
-        QCOMPARE(tree->findAction(fullPath), nullptr);
-    }
-
-    void threeFolderFormsAreDistinct()
-    {
-        OssActionTreeManager *tree = OssActionTreeManager::instance();
-        QAction a(QStringLiteral("Frame All")), b(QStringLiteral("Frame All")),
-            c(QStringLiteral("Frame All"));
-        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), &a);
-        tree->registerAction(QStringLiteral("/Ossa/NodeGraph"), &b);
-        tree->registerAction(QStringLiteral("Ossa/NodeGraph/"), &c);
-        QCOMPARE(tree->findAction(QStringLiteral("/Ossa/NodeGraph/Frame All")), &a);
-        QCOMPARE(tree->findActions(QStringLiteral("/Ossa/NodeGraph/Frame All")),
-                 (QList<QAction *>{&a, &b}));
-        QCOMPARE(tree->findAction(QStringLiteral("Ossa/NodeGraph/Frame All")), &c);
-        QCOMPARE(tree->findAction(QStringLiteral("/Ossa/NodeGraph//Frame All")), nullptr);
-    }
-
-    void duplicateIdentitiesAreKept()
-    {
-        OssActionTreeManager *tree = OssActionTreeManager::instance();
-        QAction first(QStringLiteral("Pick Up Edge Under Mouse"));
-        QAction second(QStringLiteral("Pick Up Edge Under Mouse"));
-        const QString folder = QStringLiteral("/Ossa/NodeGraph/Edges/");
-        tree->registerAction(folder, &first);
-        tree->registerAction(folder, &second);
-        tree->registerAction(folder, &second); // filing the same action twice is a no-op
-        const QString path = folder + first.text();
-        QCOMPARE(tree->findActions(path), (QList<QAction *>{&first, &second}));
-        QCOMPARE(tree->findAction(path), &first);
-        QCOMPARE(tree->actions(folder).size(), 2);
     }
 
     void objectReferences()

@@ -2,7 +2,6 @@
 
 #include <OssDebug.h>
 #include <OssImages.h>
-#include <OssNodeDialogs.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
@@ -10,12 +9,11 @@
 #include <OssUndoManager.h>
 
 #include <QImage>
-#include <QLineEdit>
 #include <QMimeData>
 #include <QUrl>
 #include <QtTest>
 
-// Images, drops, archives as dragged things, canvases, geo-channels and the node dialogs.
+// Images, drops, archives as dragged things and geo-channels.
 class tst_HostExtras : public QObject
 {
     Q_OBJECT
@@ -143,21 +141,6 @@ private slots:
         QCOMPARE(merge->inputConnection("Base"), grunge);
     }
 
-    void canvasesRecordFlushes()
-    {
-        OssCanvasWidget canvas;
-        OssCanvasManager::setCurrentCanvas(&canvas);
-        OssChannel *channel =
-            OssProjectManager::instance()->currentProject()->shadingGroups().first()->addChannel(
-                QStringLiteral("Diffuse"));
-        QSignalSpy flushed(&canvas, &OssCanvasWidget::paintBufferFlushed);
-        OssCanvasManager::currentCanvas()->handleBakeBehavior(channel);
-        QCOMPARE(canvas.flushCount(), 1);
-        QCOMPARE(canvas.lastFlushedImageSet(), channel);
-        QCOMPARE(flushed.count(), 1);
-        OssCanvasManager::setCurrentCanvas(nullptr);
-    }
-
     void geoChannelsSurviveSaving()
     {
         OssProject *project = OssProjectManager::instance()->currentProject();
@@ -177,40 +160,6 @@ private slots:
         QCOMPARE(loaded->geoChannel("AO")->bleed(), 8);
         QCOMPARE(loaded->geoChannel("AO")->imageSetName(), QStringLiteral("AO_Set"));
         QCOMPARE(loaded->geoChannel("AO")->entity(), loaded);
-    }
-
-    void quickFindDialog()
-    {
-        OssNodeQuickFindDialog dialog({"Filter/Blur", "Layer/Merge", "Adjust/Invert"},
-                                      {"Procedural/Noise/Perlin"}, 2, QPoint(10, 10),
-                                      QSize(800, 600));
-        const QStringList shown = dialog.shownPathKeys();
-        QCOMPARE(shown.mid(0, 3),
-                 (QStringList{"Filter/Blur", "Layer/Merge", "Procedural/Noise/Perlin"}));
-        for (const QString &key : shown)
-            QVERIFY2(!key.startsWith('_'), qPrintable(key));
-        dialog.setFilter(QStringLiteral("noise/p"));
-        QCOMPARE(dialog.shownPathKeys(), QStringList{"Procedural/Noise/Perlin"});
-        dialog.toggleFavourite(QStringLiteral("Procedural/Noise/Perlin"));
-        QVERIFY(dialog.favourites().isEmpty());
-        QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
-        QCOMPARE(dialog.chosenPathKey(), QStringLiteral("Procedural/Noise/Perlin"));
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
-        QCOMPARE(dialog.nodePosition(), QPoint(10, 10));
-    }
-
-    void searchAndInfoDialogs()
-    {
-        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
-        m_network->createNode(QStringLiteral("Adjust/Invert"));
-        OssSearchNodeDialog search(m_network->nodes());
-        QCOMPARE(search.shownNames(), (QStringList{"Blur", "Invert"}));
-        QTest::keyClicks(search.findChild<QLineEdit *>(), QStringLiteral("BL"));
-        QCOMPARE(search.shownNames(), QStringList{"Blur"});
-        QTest::keyClick(search.findChild<QLineEdit *>(), Qt::Key_Return);
-        QCOMPARE(search.chosenNode(), blur);
-        OssNodeInfoDialog info({blur});
-        QVERIFY(info.text().startsWith(QStringLiteral("Node 'Blur' (OssSnBaseNode)")));
     }
 };
 

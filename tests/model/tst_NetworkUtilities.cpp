@@ -11,8 +11,8 @@
 #include <OssSnSpecialNodes.h>
 #include <OssUndoManager.h>
 
-#include <QApplication>
 #include <QClipboard>
+#include <QGuiApplication>
 #include <QtTest>
 
 namespace {
@@ -162,7 +162,7 @@ private slots:
 
     void foreignClipboardTextPastesNothing()
     {
-        QApplication::clipboard()->setText(QStringLiteral("just some words"));
+        QGuiApplication::clipboard()->setText(QStringLiteral("just some words"));
         const QString before = m_network->dump();
         QString error;
         QVERIFY(OssShaderNetworkIO::pasteNodesFromClipboard(m_network, true, {}, &error).isEmpty());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModulesExport.h"
+#include "OssGuiExport.h"
 
 #include <QList>
 #include <QObject>
@@ -9,7 +9,7 @@
 
 // A palette: a named panel of the application (shown by the shell as a dock) around one body
 // widget. Its object name is the name it is found by.
-class OSSCOREMODULES_EXPORT OssPalette : public QWidget
+class OSSGUI_EXPORT OssPalette : public QWidget
 {
     Q_OBJECT
 public:
@@ -35,7 +35,7 @@ private:
 };
 
 // Registry of the application's palettes by name.
-class OSSCOREMODULES_EXPORT OssPaletteManager : public QObject
+class OSSGUI_EXPORT OssPaletteManager : public QObject
 {
     Q_OBJECT
 public:

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "OssCoreModulesExport.h"
+#include "OssGuiExport.h"
 
 #include <QDialog>
 #include <QMessageBox>
 #include <QStringList>
 
 // A frameless popup (the rename field of the node graph): Return accepts, Escape rejects.
-class OSSCOREMODULES_EXPORT OssPopupDialog : public QDialog
+class OSSGUI_EXPORT OssPopupDialog : public QDialog
 {
     Q_OBJECT
 public:
@@ -21,7 +21,7 @@ public:
 // The host's file dialogs. The start folder comes from a resource path key and the chosen
 // folder is remembered under that key. A queued answer (a path or a list of paths) is used
 // instead of asking; without popups nothing is chosen.
-class OSSCOREMODULES_EXPORT OssFileDialog
+class OSSGUI_EXPORT OssFileDialog
 {
 public:
     static QString getSaveFileName(QWidget *parent, const QString &title, const QString &filter,
@@ -32,7 +32,7 @@ public:
 
 // Message boxes that respect batch use: without popups they log the text and return the default
 // button; a queued answer (a QMessageBox::StandardButton as int) is used instead of asking.
-class OSSCOREMODULES_EXPORT OssMessageBox
+class OSSGUI_EXPORT OssMessageBox
 {
 public:
     static QMessageBox::StandardButton
@@ -44,7 +44,7 @@ public:
 };
 
 // A Yes/No question with a "Don't show again" check box.
-class OSSCOREMODULES_EXPORT OssQuestionBox
+class OSSGUI_EXPORT OssQuestionBox
 {
 public:
     struct Answer

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreExport.h"
+#include "OssGuiExport.h"
 
 #include <QHash>
 #include <QList>
@@ -14,7 +14,7 @@ class QAction;
 // known by that folder path followed by its text (with a slash between them when the folder
 // does not end with one): "/Ossa/NodeGraph/", "/Ossa/NodeGraph" and "Ossa/NodeGraph/" are three
 // different folders. Several actions may share one identity.
-class OSSCORE_EXPORT OssActionTreeManager : public QObject
+class OSSGUI_EXPORT OssActionTreeManager : public QObject
 {
     Q_OBJECT
 public:

@@ -3,6 +3,9 @@
 #include "OssPalette.h"
 #include "OssTestEnvironment.h"
 
+#include <OssImages.h>
+#include <OssShaderNetworkManager.h>
+
 #include <QAction>
 #include <QFile>
 #include <QLabel>
@@ -15,6 +18,75 @@ class tst_PalettesAndMenus : public QObject
     Q_OBJECT
 
 private slots:
+    void actionIdentities_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("fullPath");
+
+        QTest::newRow("trailing slash") << "/Ossa/NodeGraph/"
+                                        << "Autoplace"
+                                        << "/Ossa/NodeGraph/Autoplace";
+        QTest::newRow("no trailing slash") << "/Ossa/NodeGraph"
+                                           << "Autoplace"
+                                           << "/Ossa/NodeGraph/Autoplace";
+        QTest::newRow("no leading slash") << "Ossa/NodeGraph/"
+                                          << "Autoplace"
+                                          << "Ossa/NodeGraph/Autoplace";
+        QTest::newRow("empty menu folder") << "/Ossa/NodeGraph/Create/"
+                                           << "Foo"
+                                           << "/Ossa/NodeGraph/Create/Foo";
+    }
+
+    void actionIdentities()
+    {
+        QFETCH(QString, folder);
+        QFETCH(QString, text);
+        QFETCH(QString, fullPath);
+        OssActionTreeManager *tree = OssActionTreeManager::instance();
+        QSignalSpy spy(tree, &OssActionTreeManager::actionRegistered);
+        auto action = std::make_unique<QAction>(text);
+        tree->registerAction(folder, action.get());
+        QCOMPARE(spy.count(), 1);
+        QVERIFY(tree->hasAction(fullPath));
+        QCOMPARE(tree->findAction(fullPath), action.get());
+        QVERIFY(tree->folders().contains(folder));
+        QVERIFY(tree->actions(folder).contains(action.get()));
+        action.reset();
+        QVERIFY(!tree->hasAction(fullPath));
+        QCOMPARE(tree->findAction(fullPath), nullptr);
+    }
+
+    void threeFolderFormsAreDistinct()
+    {
+        OssActionTreeManager *tree = OssActionTreeManager::instance();
+        QAction a(QStringLiteral("Frame All")), b(QStringLiteral("Frame All")),
+            c(QStringLiteral("Frame All"));
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), &a);
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph"), &b);
+        tree->registerAction(QStringLiteral("Ossa/NodeGraph/"), &c);
+        QCOMPARE(tree->findAction(QStringLiteral("/Ossa/NodeGraph/Frame All")), &a);
+        QCOMPARE(tree->findActions(QStringLiteral("/Ossa/NodeGraph/Frame All")),
+                 (QList<QAction *>{&a, &b}));
+        QCOMPARE(tree->findAction(QStringLiteral("Ossa/NodeGraph/Frame All")), &c);
+        QCOMPARE(tree->findAction(QStringLiteral("/Ossa/NodeGraph//Frame All")), nullptr);
+    }
+
+    void duplicateIdentitiesAreKept()
+    {
+        OssActionTreeManager *tree = OssActionTreeManager::instance();
+        QAction first(QStringLiteral("Pick Up Edge Under Mouse"));
+        QAction second(QStringLiteral("Pick Up Edge Under Mouse"));
+        const QString folder = QStringLiteral("/Ossa/NodeGraph/Edges/");
+        tree->registerAction(folder, &first);
+        tree->registerAction(folder, &second);
+        tree->registerAction(folder, &second); // filing the same action twice is a no-op
+        const QString path = folder + first.text();
+        QCOMPARE(tree->findActions(path), (QList<QAction *>{&first, &second}));
+        QCOMPARE(tree->findAction(path), &first);
+        QCOMPARE(tree->actions(folder).size(), 2);
+    }
+
     void paletteRegistry()
     {
         OssPaletteManager *manager = OssPaletteManager::instance();
@@ -91,6 +163,35 @@ private slots:
 
         menu->setShortcutGroup(QStringLiteral("Node Graph"));
         QCOMPARE(menu->shortcutGroup(), QStringLiteral("Node Graph"));
+    }
+
+    void globalContextMenuActions()
+    {
+        // The model keeps the actions as objects; the typed lists give back the same actions.
+        OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+        auto autoplace = std::make_unique<QAction>(QStringLiteral("Autoplace"));
+        QAction frame(QStringLiteral("Frame All"));
+        networks->registerGlobalContextMenuAction(autoplace.get());
+        networks->registerGlobalContextMenuAction(&frame);
+        networks->registerGlobalContextMenuAction(autoplace.get());
+        QCOMPARE(networks->globalContextMenuActions(), (QList<QAction *>{autoplace.get(), &frame}));
+        autoplace.reset();
+        QCOMPARE(networks->globalContextMenuActions(), QList<QAction *>{&frame});
+
+        OssImageManager *images = OssImageManager::instance();
+        QAction tiled(QStringLiteral("As Tiled"));
+        const QString icon = m_environment.scratchDirectory() + QStringLiteral("/tiled.png");
+        QPixmap picture(16, 16);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(icon));
+        QVERIFY(tiled.icon().isNull());
+        images->registerGlobalContextMenuAction(&tiled, QStringLiteral("Add to Nodegraph"), icon);
+        QVERIFY(!tiled.icon().isNull());
+        QCOMPARE(images->globalContextMenuActions(QStringLiteral("Add to Nodegraph")),
+                 QList<QAction *>{&tiled});
+        QVERIFY(images->globalContextMenuActions(QStringLiteral("Other")).isEmpty());
+        QCOMPARE(images->globalContextMenuTitles(),
+                 QStringList{QStringLiteral("Add to Nodegraph")});
     }
 
     void brokenMenuFileChangesNothing()

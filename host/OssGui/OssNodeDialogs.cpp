@@ -1,7 +1,7 @@
 #include "OssNodeDialogs.h"
 
-#include "OssShaderNetworkManager.h"
-#include "OssSnBaseNode.h"
+#include <OssShaderNetworkManager.h>
+#include <OssSnBaseNode.h>
 
 #include <QDialogButtonBox>
 #include <QLineEdit>
@@ -152,6 +152,11 @@ void OssSearchNodeDialog::acceptCurrent()
         return;
     m_chosen = qobject_cast<OssSnBaseNode *>(item->data(Qt::UserRole).value<QObject *>());
     accept();
+}
+
+OssSnBaseNode *OssSearchNodeDialog::chosenNode() const
+{
+    return m_chosen;
 }
 
 OssNodeInfoDialog::OssNodeInfoDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModulesExport.h"
+#include "OssGuiExport.h"
 
 #include <QFrame>
 #include <QPushButton>
@@ -10,7 +10,7 @@ class QLabel;
 class QVBoxLayout;
 
 // The clickable title row of an expandable list: a text and room for small buttons.
-class OSSCOREMODULES_EXPORT OssExpandableListHeading : public QFrame
+class OSSGUI_EXPORT OssExpandableListHeading : public QFrame
 {
     Q_OBJECT
 public:
@@ -34,7 +34,7 @@ private:
 
 // A collapsible panel: a heading over a body. Carries the dynamic property
 // "OssExpandableListWidget" = true so style sheets can address it.
-class OSSCOREMODULES_EXPORT OssExpandableListWidget : public QFrame
+class OSSGUI_EXPORT OssExpandableListWidget : public QFrame
 {
     Q_OBJECT
 public:
@@ -62,7 +62,7 @@ private:
 };
 
 // A small push button with a short text.
-class OSSCOREMODULES_EXPORT OssMiniButton : public QPushButton
+class OSSGUI_EXPORT OssMiniButton : public QPushButton
 {
     Q_OBJECT
 public:
@@ -70,7 +70,7 @@ public:
 };
 
 // Helpers for the host's form layouts.
-class OSSCOREMODULES_EXPORT OssFormLayout
+class OSSGUI_EXPORT OssFormLayout
 {
 public:
     // Gives every label of the form layouts inside Widget the width of the widest one, so

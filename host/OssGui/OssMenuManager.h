@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModulesExport.h"
+#include "OssGuiExport.h"
 
 #include <QHash>
 #include <QMenu>
@@ -9,7 +9,7 @@
 
 // A menu of the application. Its shortcut group names the set of key bindings that apply while
 // it is open.
-class OSSCOREMODULES_EXPORT OssMenu : public QMenu
+class OSSGUI_EXPORT OssMenu : public QMenu
 {
     Q_OBJECT
 public:
@@ -33,7 +33,7 @@ private:
 //     <submenu title="Select"> <action path="..."/> </submenu>
 //   </menu>
 // </menus>
-class OSSCOREMODULES_EXPORT OssMenuManager : public QObject
+class OSSGUI_EXPORT OssMenuManager : public QObject
 {
     Q_OBJECT
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModulesExport.h"
+#include "OssGuiExport.h"
 
 #include <QDialog>
 #include <QPoint>
@@ -16,7 +16,7 @@ class QPlainTextEdit;
 
 // Quick node creation at the cursor: recent and favourite node types first, then every
 // creatable type, filtered as the user types; Return takes the first match.
-class OSSCOREMODULES_EXPORT OssNodeQuickFindDialog : public QDialog
+class OSSGUI_EXPORT OssNodeQuickFindDialog : public QDialog
 {
     Q_OBJECT
 public:
@@ -47,14 +47,14 @@ private:
 };
 
 // Finds a node of the network by name.
-class OSSCOREMODULES_EXPORT OssSearchNodeDialog : public QDialog
+class OSSGUI_EXPORT OssSearchNodeDialog : public QDialog
 {
     Q_OBJECT
 public:
     explicit OssSearchNodeDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent = nullptr);
     void setFilter(const QString &text);
     QStringList shownNames() const;
-    OssSnBaseNode *chosenNode() const { return m_chosen; }
+    OssSnBaseNode *chosenNode() const;
 
 public slots:
     void acceptCurrent();
@@ -68,7 +68,7 @@ private:
 };
 
 // "Info Viewer": what the host knows of the given nodes.
-class OSSCOREMODULES_EXPORT OssNodeInfoDialog : public QDialog
+class OSSGUI_EXPORT OssNodeInfoDialog : public QDialog
 {
     Q_OBJECT
 public:

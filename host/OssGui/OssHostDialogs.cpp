@@ -1,8 +1,10 @@
 #include "OssHostDialogs.h"
 
-#include "OssApplication.h"
-#include "OssDebug.h"
-#include "OssResourceInfo.h"
+#include "OssGuiApplication.h"
+
+#include <OssApplication.h>
+#include <OssDebug.h>
+#include <OssResourceInfo.h>
 
 #include <QCheckBox>
 #include <QFileDialog>
@@ -85,7 +87,7 @@ QMessageBox::StandardButton showBox(QMessageBox::Icon icon, QWidget *parent, con
         }
         return QMessageBox::NoButton;
     }
-    QMessageBox box(icon, title, text, buttons, parent ? parent : OssApplication::mainWindow());
+    QMessageBox box(icon, title, text, buttons, parent ? parent : OssGuiApplication::mainWindow());
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
@@ -121,7 +123,7 @@ OssQuestionBox::Answer OssQuestionBox::ask(QWidget *parent, const QString &title
     if (!OssApplication::popupsAllowed())
         return answer;
     QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
-                    parent ? parent : OssApplication::mainWindow());
+                    parent ? parent : OssGuiApplication::mainWindow());
     box.setDefaultButton(defaultButton);
     auto *check = new QCheckBox(QObject::tr("Don't show again"), &box);
     box.setCheckBox(check);

@@ -1,0 +1,15 @@
+#include "OssCanvasWidget.h"
+
+#include <OssProject.h>
+
+void OssCanvasWidget::handleBakeBehavior(OssChannel *imageSet)
+{
+    ++m_flushes;
+    m_last = imageSet;
+    emit paintBufferFlushed(imageSet);
+}
+
+OssChannel *OssCanvasWidget::lastFlushedImageSet() const
+{
+    return m_last;
+}
