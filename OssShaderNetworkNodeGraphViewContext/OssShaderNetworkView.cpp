@@ -12,7 +12,7 @@
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBaseNode.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnViewerNode.h>
 #include <OssUndoManager.h>
 
 #include <QAction>

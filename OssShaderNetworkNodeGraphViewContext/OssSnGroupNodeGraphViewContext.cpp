@@ -9,6 +9,11 @@
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnGroupNode.h>
+#include <OssSnMaterialNode.h>
+#include <OssSnMultiChannelBakePointNode.h>
+#include <OssSnMultiChannelBottomTransparencyNode.h>
+#include <OssSnMultiChannelGroupNode.h>
+#include <OssSnMultiChannelMergeNode.h>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;

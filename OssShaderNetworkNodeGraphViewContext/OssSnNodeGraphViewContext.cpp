@@ -7,18 +7,19 @@
 
 #include <OssColor.h>
 #include <OssDebug.h>
-#include <OssLayers.h>
+#include <OssLayerShaderManager.h>
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
+#include <OssNgNodeState.h>
 #include <OssNgStyle.h>
 #include <OssNgUndo.h>
-#include <OssProject.h>
 #include <OssResourceInfo.h>
 #include <OssSerializer.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkUtils.h>
+#include <OssSnCustomProceduralNode.h>
 #include <OssSnGroupNode.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnMultiChannelGroupNode.h>
 #include <OssUndoManager.h>
 
 #include <QGraphicsScene>

@@ -11,8 +11,9 @@
 #include "OssSnUINodeGraphViewContext.h"
 #include "ZelGLTextureToken.h"
 
+#include <OssChannel.h>
 #include <OssDebug.h>
-#include <OssLayers.h>
+#include <OssLayerStreamUtils.h>
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgUndo.h>
@@ -23,8 +24,10 @@
 #include <OssProjectManager.h>
 #include <OssResourceInfo.h>
 #include <OssShaderNetwork.h>
+#include <OssShadingGroup.h>
+#include <OssSnChannelInputNode.h>
 #include <OssSnGroupNode.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnMultiChannelGroupNode.h>
 #include <OssUndoManager.h>
 
 #include <QAction>

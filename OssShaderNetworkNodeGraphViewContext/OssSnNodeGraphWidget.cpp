@@ -4,7 +4,7 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 
 #include <OssDebug.h>
-#include <OssProject.h>
+#include <OssEntity.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnGroupNode.h>

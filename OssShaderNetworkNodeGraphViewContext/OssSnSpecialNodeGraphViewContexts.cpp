@@ -4,7 +4,11 @@
 
 #include <OssDebug.h>
 #include <OssShaderNetworkUtils.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnBakePointNode.h>
+#include <OssSnBroadcastTeleportNode.h>
+#include <OssSnGeoChannelNode.h>
+#include <OssSnTeleportNode.h>
+#include <OssTeleportNodeManager.h>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;

@@ -1,6 +1,7 @@
 #include "OssLayerShaderModel.h"
 
 #include "OssSnGroupNode.h"
+#include "OssSnMultiChannelGroupNode.h"
 #include "OssSnNodeTypeCatalogue.h"
 
 OssLayerShaderModel::OssLayerShaderModel(const QString &id,

@@ -1,5 +1,6 @@
 #include "OssProjectManager.h"
 
+#include "OssChannel.h"
 #include "OssProject.h"
 #include "OssShaderNetwork.h"
 #include "OssShaderNetworkManager.h"

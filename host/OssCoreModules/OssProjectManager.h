@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssChannel.h"
 #include "OssCoreModulesExport.h"
 #include "OssProject.h"
 

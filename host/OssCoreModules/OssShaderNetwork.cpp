@@ -1,11 +1,12 @@
 #include "OssShaderNetwork.h"
 
-#include "OssProject.h"
+#include "OssEntity.h"
 #include "OssShaderNetworkCommands.h"
 #include "OssShaderNetworkManager.h"
+#include "OssShadingGroup.h"
 #include "OssSnBaseContext.h"
 #include "OssSnGroupNode.h"
-#include "OssSnSpecialNodes.h"
+#include "OssSnImageSetNodeBase.h"
 
 #include <OssDebug.h>
 #include <OssDeserializer.h>

@@ -2,8 +2,9 @@
 
 #include "OssShaderNetwork.h"
 #include "OssShaderNetworkManager.h"
+#include "OssSnBakePointNode.h"
 #include "OssSnGroupNode.h"
-#include "OssSnSpecialNodes.h"
+#include "OssSnImageSetNodeBase.h"
 
 #include <OssDebug.h>
 #include <OssUndoManager.h>

@@ -1,11 +1,8 @@
 #include "OssSnGroupNode.h"
 
-#include "OssArchive.h"
-#include "OssLayerShaderModel.h"
 #include "OssShaderNetwork.h"
 #include "OssShaderNetworkCommands.h"
 #include "OssShaderNetworkManager.h"
-#include "OssSnSpecialNodes.h"
 
 #include <OssDeserializer.h>
 #include <OssLinkedCustomAttributeManager.h>
@@ -14,8 +11,6 @@
 #include <OssUndoManager.h>
 
 #include <QFile>
-#include <QImage>
-#include <QPainter>
 
 namespace {
 
@@ -343,173 +338,4 @@ void OssSnGroupNode::onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldN
         renameInput(oldName, node->name());
     else if (isGroupOutput(node))
         renameOutputPoint(oldName, node->name());
-}
-
-OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode(QObject *parent) : OssSnGroupNode(parent)
-{
-    m_shaderModel = OssLayerShaderModelManager::instance()->defaultModel();
-}
-
-void OssSnMultiChannelGroupNode::setShaderModel(OssLayerShaderModel *model)
-{
-    if (m_shaderModel == model)
-        return;
-    m_shaderModel = model;
-    setValid(model != nullptr);
-    emit shaderModelChanged();
-}
-
-QString OssSnMultiChannelGroupNode::shaderModelId() const
-{
-    return m_shaderModel ? m_shaderModel->id() : QString();
-}
-
-void OssSnMultiChannelGroupNode::setShaderModelId(const QString &id)
-{
-    setShaderModel(OssLayerShaderModelManager::instance()->model(id));
-}
-
-void OssSnMultiChannelGroupNode::setValid(bool valid)
-{
-    if (m_valid == valid)
-        return;
-    m_valid = valid;
-    emit validityChanged();
-}
-
-bool OssSnMultiChannelGroupNode::batchConnectInputNode(OssSnBaseNode *base, OssSnBaseNode *over,
-                                                       bool undoable)
-{
-    OssUndoManager::AutoMacro macro(QStringLiteral("Connect Channels"));
-    bool connected = false;
-    for (const QString &input : inputNames()) {
-        OssSnBaseNode *source = nullptr;
-        if (input.endsWith(QLatin1String("Base")) || input == QLatin1String("Base"))
-            source = base;
-        else if (input.endsWith(QLatin1String("Over")) || input == QLatin1String("Over"))
-            source = over;
-        else
-            continue;
-        if (!source)
-            continue;
-        // Each channel input takes the output point of the same stream name when the source
-        // has one, its preferred output otherwise.
-        const QString stream = input.left(input.size() - 4);
-        const QString output =
-            source->hasOutputPoint(stream) ? stream : source->prefferedOutputPoint();
-        connected = connectInput(input, source, output, undoable) || connected;
-    }
-    return connected;
-}
-
-QList<OssSnBaseNode *> OssSnMultiChannelBakePointNode::activeBakePointNodes() const
-{
-    QList<OssSnBaseNode *> nodes;
-    for (OssSnBaseNode *node : groupNetwork()->nodes())
-        if (qobject_cast<OssSnBakePointNode *>(node) && node->enabledAsBool())
-            nodes.append(node);
-    return nodes;
-}
-
-int OssSnMultiChannelBakePointNode::configureBakepoints()
-{
-    int made = 0;
-    for (OssSnBaseNode *output : groupOutputNodes()) {
-        const QString input = output->inputNames().value(0);
-        if (input.isEmpty())
-            continue;
-        OssSnBaseNode *feeding = output->inputConnection(input);
-        if (qobject_cast<OssSnBakePointNode *>(feeding))
-            continue;
-        OssSnBaseNode *bakePoint = groupNetwork()->createNode(
-            QStringLiteral("Misc/Bake Point"), output->name() + QStringLiteral("_BakePoint"));
-        if (!bakePoint)
-            break;
-        if (feeding)
-            bakePoint->connectInput(bakePoint->preferredInput().isEmpty()
-                                        ? bakePoint->inputNames().value(0)
-                                        : bakePoint->preferredInput(),
-                                    feeding, output->inputOutputPoint(input));
-        output->connectInput(input, bakePoint, bakePoint->prefferedOutputPoint());
-        connect(static_cast<OssSnBakePointNode *>(bakePoint),
-                &OssSnBakePointNode::bakedStateChanged, this,
-                &OssSnMultiChannelBakePointNode::bakedStateChanged);
-        ++made;
-    }
-    return made;
-}
-
-void OssSnMaterialNode::connectPreviewShaderNetwork()
-{
-    if (m_previewConnected)
-        return;
-    m_previewConnected = true;
-    emit nodeStateRefreshed();
-}
-
-bool OssSnMaterialNode::importFromFile(const QString &path, QStringList *errors)
-{
-    QByteArray data;
-    QString error;
-    if (!OssArchive::read(path, QString::fromLatin1(OssArchive::MaterialKind), &data, &error)) {
-        if (errors)
-            errors->append(error);
-        return false;
-    }
-    OssDeserializer deserializer;
-    QString type;
-    if (!deserializer.inspect(data, &type, &error, path)) {
-        if (errors)
-            errors->append(error);
-        return false;
-    }
-    if (type != QLatin1String("OssShaderNetwork")) {
-        if (errors)
-            errors->append(
-                QStringLiteral("\"%1\": the archive holds no material network").arg(path));
-        return false;
-    }
-    // Read into a scratch network first so a bad archive leaves this material as it was.
-    OssShaderNetwork scratch;
-    scratch.setAnnounceNodes(false);
-    deserializer.setRestoreUuids(false);
-    if (!deserializer.loadFromData(data, &scratch, &error, path)) {
-        if (errors)
-            errors->append(error);
-        return false;
-    }
-    if (errors)
-        errors->append(scratch.loadWarnings());
-    OssUndoManager::AutoMacro macro(QStringLiteral("Import Material"));
-    groupNetwork()->removeNodes(groupNetwork()->nodes());
-    const QList<OssSnBaseNode *> nodes = scratch.nodes();
-    for (OssSnBaseNode *node : nodes) {
-        scratch.takeNodeDirect(node);
-        groupNetwork()->insertNode(node);
-    }
-    return true;
-}
-
-bool OssSnMaterialNode::exportToFile(const QString &path, QString *error)
-{
-    OssSerializer serializer;
-    const QByteArray data = serializer.saveToData(groupNetwork(), QStringLiteral("material"));
-    return OssArchive::write(path, QString::fromLatin1(OssArchive::MaterialKind), data, error);
-}
-
-bool OssSnMaterialNode::generateMaterialThumbnail(const QString &path)
-{
-    // A swatch of the material's inner nodes: one stripe per node, coloured from its name.
-    QImage image(128, 128, QImage::Format_ARGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    const QList<OssSnBaseNode *> nodes = groupNetwork()->nodes();
-    const int count = qMax(1, nodes.size());
-    for (int i = 0; i < nodes.size(); ++i) {
-        const uint hash = qHash(nodes.at(i)->name());
-        painter.fillRect(QRect(0, i * 128 / count, 128, 128 / count + 1),
-                         QColor::fromHsv(int(hash % 360), 160, 200));
-    }
-    painter.end();
-    return image.save(path, "PNG");
 }

@@ -3,8 +3,6 @@
 #include "OssCoreModulesExport.h"
 #include "OssSnBaseNode.h"
 
-class OssLayerShaderModel;
-
 // A node that holds a subnetwork. Its inputs and outputs mirror the subnetwork's group input
 // and output nodes (tags "_input" and "_output"), in the group's order.
 class OSSCOREMODULES_EXPORT OssSnGroupNode : public OssSnBaseNode
@@ -62,79 +60,4 @@ private:
 
     OssShaderNetwork *m_groupNetwork = nullptr;
     QList<OssStringMap> m_loadingLinks;
-};
-
-// A group whose inputs and outputs follow a multi-channel shader model.
-class OSSCOREMODULES_EXPORT OssSnMultiChannelGroupNode : public OssSnGroupNode
-{
-    Q_OBJECT
-    Q_PROPERTY(QString shaderModelId READ shaderModelId WRITE setShaderModelId)
-public:
-    // New multi-channel nodes carry the host's default shader model.
-    explicit OssSnMultiChannelGroupNode(QObject *parent = nullptr);
-    OssLayerShaderModel *shaderModel() const { return m_shaderModel; }
-    void setShaderModel(OssLayerShaderModel *model);
-    QString shaderModelId() const;
-    // Unknown ids leave the node without a model (and invalid).
-    void setShaderModelId(const QString &id);
-    bool isValid() const { return m_valid; }
-    void setValid(bool valid);
-    // Connects Base and Over sources to every channel's base and over input at once.
-    bool batchConnectInputNode(OssSnBaseNode *base, OssSnBaseNode *over, bool undoable = true);
-
-signals:
-    void validityChanged();
-
-private:
-    OssLayerShaderModel *m_shaderModel = nullptr;
-    bool m_valid = true;
-};
-
-class OSSCOREMODULES_EXPORT OssSnMultiChannelMergeNode : public OssSnMultiChannelGroupNode
-{
-    Q_OBJECT
-public:
-    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
-};
-
-class OSSCOREMODULES_EXPORT OssSnMultiChannelBakePointNode : public OssSnMultiChannelGroupNode
-{
-    Q_OBJECT
-public:
-    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
-    // The bake points inside that are active (one per channel).
-    QList<OssSnBaseNode *> activeBakePointNodes() const;
-    // Makes one bake point per output of the group's subnetwork that lacks one.
-    int configureBakepoints();
-
-signals:
-    void bakedStateChanged();
-};
-
-class OSSCOREMODULES_EXPORT OssSnMultiChannelBottomTransparencyNode
-    : public OssSnMultiChannelGroupNode
-{
-    Q_OBJECT
-public:
-    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
-};
-
-// A material: a group kind with a preview network and import from material archives.
-class OSSCOREMODULES_EXPORT OssSnMaterialNode : public OssSnGroupNode
-{
-    Q_OBJECT
-public:
-    using OssSnGroupNode::OssSnGroupNode;
-    bool previewShaderNetworkConnected() const { return m_previewConnected; }
-    void connectPreviewShaderNetwork();
-    // Reads a material archive (*.oma: a saved group network) into this node, replacing its
-    // network (one undo step); false with the reasons in Errors and nothing changed.
-    bool importFromFile(const QString &path, QStringList *errors = nullptr);
-    // Writes the material's network as a material archive.
-    bool exportToFile(const QString &path, QString *error = nullptr);
-    // Writes a thumbnail picture describing the material; false when it cannot be written.
-    bool generateMaterialThumbnail(const QString &path);
-
-private:
-    bool m_previewConnected = false;
 };

@@ -1,6 +1,6 @@
 #include "OssCanvasWidget.h"
 
-#include <OssProject.h>
+#include <OssChannel.h>
 
 void OssCanvasWidget::handleBakeBehavior(OssChannel *imageSet)
 {

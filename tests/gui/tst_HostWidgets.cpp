@@ -2,10 +2,12 @@
 
 #include <OssCanvasManager.h>
 #include <OssCanvasWidget.h>
+#include <OssChannel.h>
 #include <OssNodeDialogs.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
+#include <OssShadingGroup.h>
 #include <OssSnBaseNode.h>
 
 #include <QLineEdit>

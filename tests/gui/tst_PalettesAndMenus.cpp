@@ -3,7 +3,7 @@
 #include "OssPalette.h"
 #include "OssTestEnvironment.h"
 
-#include <OssImages.h>
+#include <OssImageManager.h>
 #include <OssShaderNetworkManager.h>
 
 #include <QAction>

@@ -1,10 +1,19 @@
 #include "OssTestEnvironment.h"
 
+#include <OssChannel.h>
 #include <OssDebug.h>
-#include <OssImages.h>
+#include <OssDragAndDropManager.h>
+#include <OssEntity.h>
+#include <OssGeoImageSet.h>
+#include <OssImage.h>
+#include <OssImageList.h>
+#include <OssImageManager.h>
+#include <OssImageUniqueId.h>
+#include <OssMaterialPaintManager.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
+#include <OssShadingGroup.h>
 #include <OssSnBaseNode.h>
 #include <OssUndoManager.h>
 

@@ -5,9 +5,12 @@
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
+#include <OssSnBakePointNode.h>
+#include <OssSnCustomProceduralNode.h>
 #include <OssSnGroupNode.h>
+#include <OssSnMaterialNode.h>
 #include <OssSnNodeTypeCatalogue.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnTeleportNode.h>
 #include <OssUndoManager.h>
 
 #include <QRandomGenerator>

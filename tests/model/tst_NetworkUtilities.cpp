@@ -1,14 +1,20 @@
 #include "OssTestEnvironment.h"
 
+#include <OssLayerRefreshSuspensionManager.h>
+#include <OssLayerShader.h>
+#include <OssLayerShaderManager.h>
 #include <OssLayerShaderModel.h>
-#include <OssLayers.h>
+#include <OssLayerShaderUtils.h>
+#include <OssLayerStreamUtils.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkIO.h>
 #include <OssShaderNetworkUtils.h>
+#include <OssSnBakePointNode.h>
 #include <OssSnGroupNode.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnMultiChannelGroupNode.h>
+#include <OssSnUINode.h>
 #include <OssUndoManager.h>
 
 #include <QClipboard>

@@ -1,6 +1,8 @@
 #include "OssTestEnvironment.h"
 
+#include <OssChannel.h>
 #include <OssDebug.h>
+#include <OssEntity.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssResourceInfo.h>
@@ -8,8 +10,12 @@
 #include <OssShaderNetworkContextLoader.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBaseContext.h>
+#include <OssSnBroadcastTeleportNode.h>
+#include <OssSnChannelInputNode.h>
 #include <OssSnGroupNode.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnTeleportNode.h>
+#include <OssSnViewerNode.h>
+#include <OssTeleportNodeManager.h>
 #include <OssUndoManager.h>
 
 #include <QSignalSpy>

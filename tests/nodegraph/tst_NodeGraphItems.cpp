@@ -3,6 +3,7 @@
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgExtendedNode.h>
+#include <OssNgNodeState.h>
 #include <OssNgUINodes.h>
 #include <OssNgUndo.h>
 

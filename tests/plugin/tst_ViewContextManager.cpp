@@ -14,6 +14,7 @@
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
+#include <OssShadingGroup.h>
 #include <OssSnGroupNode.h>
 #include <OssSnNodeTypeCatalogue.h>
 #include <OssUndoManager.h>

@@ -18,8 +18,9 @@
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
+#include <OssSnBakePointNode.h>
 #include <OssSnGroupNode.h>
-#include <OssSnSpecialNodes.h>
+#include <OssSnTeleportNode.h>
 #include <OssUndoManager.h>
 
 #include <OssSnNodeTypeCatalogue.h>

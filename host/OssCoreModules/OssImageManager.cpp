@@ -1,0 +1,130 @@
+#include "OssImageManager.h"
+
+#include "OssDragAndDropManager.h"
+#include "OssImage.h"
+#include "OssImageList.h"
+
+#include <OssDebug.h>
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QIcon>
+#include <QImageReader>
+#include <QMimeData>
+#include <QUrl>
+
+OssImageManager *OssImageManager::instance()
+{
+    static OssImageManager *manager = new OssImageManager;
+    return manager;
+}
+
+OssImageManager::OssImageManager(QObject *parent) : QObject(parent)
+{
+    OssImageList::registerType();
+}
+
+QList<OssImage *> OssImageManager::open(const QString &path, int)
+{
+    QList<OssImage *> opened;
+    QImageReader reader(path);
+    if (!reader.canRead()) {
+        OSS_DEBUG("[ !! ] Cannot open image '%s': %s", qPrintable(path),
+                  qPrintable(reader.errorString()));
+        return opened;
+    }
+    // Every image of the file is a layer; reading each checks that it really decodes.
+    int layer = 0;
+    do {
+        const QImage image = reader.read();
+        if (image.isNull()) {
+            if (layer == 0)
+                OSS_DEBUG("[ !! ] Cannot open image '%s': %s", qPrintable(path),
+                          qPrintable(reader.errorString()));
+            break;
+        }
+        opened.append(new OssImage(QFileInfo(path).absoluteFilePath(), layer, image.size(),
+                                   image.depth(), this));
+        ++layer;
+    } while (reader.jumpToNextImage());
+    m_images.append(opened);
+    if (!opened.isEmpty())
+        emit imagesChanged();
+    return opened;
+}
+
+QList<OssImage *> OssImageManager::selectedImages() const
+{
+    QList<OssImage *> selected;
+    for (OssImage *image : m_images)
+        if (image->isSelected())
+            selected.append(image);
+    return selected;
+}
+
+OssImage *OssImageManager::getImage(const OssImageUniqueId &id) const
+{
+    for (OssImage *image : m_images)
+        if (image->uniqueId() == id)
+            return image;
+    return nullptr;
+}
+
+void OssImageManager::clear()
+{
+    qDeleteAll(m_images);
+    m_images.clear();
+    emit imagesChanged();
+}
+
+void OssImageManager::registerGlobalContextMenuAction(QObject *action, const QString &menuTitle,
+                                                      const QString &iconPath)
+{
+    if (!action)
+        return;
+    if (!iconPath.isEmpty())
+        action->setProperty("icon", QIcon(iconPath));
+    m_actions.append({menuTitle, action});
+}
+
+QList<QObject *> OssImageManager::globalContextMenuObjects(const QString &menuTitle) const
+{
+    QList<QObject *> actions;
+    for (const auto &entry : m_actions)
+        if (entry.first == menuTitle && entry.second)
+            actions.append(entry.second);
+    return actions;
+}
+
+QStringList OssImageManager::globalContextMenuTitles() const
+{
+    QStringList titles;
+    for (const auto &entry : m_actions)
+        if (entry.second && !titles.contains(entry.first))
+            titles.append(entry.first);
+    return titles;
+}
+
+QStringList OssImageManager::dropEvent_AcceptURLs(const QMimeData *mimeData) const
+{
+    QStringList paths;
+    if (!mimeData)
+        return paths;
+    for (const QUrl &url : mimeData->urls())
+        if (url.isLocalFile() && QImageReader(url.toLocalFile()).canRead())
+            paths.append(url.toLocalFile());
+    return paths;
+}
+
+bool OssImageManager::processDragEvent(QDragEnterEvent *event, int target)
+{
+    if (!event || target != OssDragAndDropManager::NodeGraphTarget)
+        return false;
+    const QMimeData *mime = event->mimeData();
+    if (mime->hasFormat(QString::fromLatin1(OssImage::MimeType)) ||
+        !dropEvent_AcceptURLs(mime).isEmpty()) {
+        event->acceptProposedAction();
+        return true;
+    }
+    return false;
+}

@@ -1,0 +1,8 @@
+#include "OssLayerShaderUtils.h"
+
+#include "OssLayerShaderManager.h"
+
+bool OssLayerShaderUtils::isLayerShaderNode(const OssSnBaseNode *node)
+{
+    return OssLayerShaderManager::instance()->isLayerShader(node);
+}
