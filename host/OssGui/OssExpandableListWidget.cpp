@@ -1,6 +1,5 @@
 #include "OssExpandableListWidget.h"
 
-#include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMouseEvent>
@@ -88,31 +87,4 @@ void OssExpandableListWidget::toggle()
         expand();
     else
         collapse();
-}
-
-OssMiniButton::OssMiniButton(const QString &text, QWidget *parent) : QPushButton(text, parent)
-{
-    setFlat(false);
-    setAutoFillBackground(true);
-    const int side = fontMetrics().height() + 4;
-    setFixedSize(qMax(side, fontMetrics().horizontalAdvance(text) + 8), side);
-}
-
-void OssFormLayout::alignLabels(QWidget *widget)
-{
-    if (!widget)
-        return;
-    QList<QWidget *> labels;
-    int widest = 0;
-    for (QFormLayout *form : widget->findChildren<QFormLayout *>()) {
-        for (int row = 0; row < form->rowCount(); ++row) {
-            QLayoutItem *item = form->itemAt(row, QFormLayout::LabelRole);
-            if (item && item->widget()) {
-                labels.append(item->widget());
-                widest = qMax(widest, item->widget()->sizeHint().width());
-            }
-        }
-    }
-    for (QWidget *label : labels)
-        label->setMinimumWidth(widest);
 }

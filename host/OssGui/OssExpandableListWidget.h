@@ -3,7 +3,6 @@
 #include "OssGuiExport.h"
 
 #include <QFrame>
-#include <QPushButton>
 
 class QHBoxLayout;
 class QLabel;
@@ -59,21 +58,4 @@ private:
     OssExpandableListHeading *m_heading = nullptr;
     QWidget *m_body = nullptr;
     bool m_collapsed = false;
-};
-
-// A small push button with a short text.
-class OSSGUI_EXPORT OssMiniButton : public QPushButton
-{
-    Q_OBJECT
-public:
-    explicit OssMiniButton(const QString &text, QWidget *parent = nullptr);
-};
-
-// Helpers for the host's form layouts.
-class OSSGUI_EXPORT OssFormLayout
-{
-public:
-    // Gives every label of the form layouts inside Widget the width of the widest one, so
-    // fields line up across sections.
-    static void alignLabels(QWidget *widget);
 };

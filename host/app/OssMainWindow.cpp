@@ -7,7 +7,7 @@
 #include <OssDebug.h>
 #include <OssGroupParameterObject.h>
 #include <OssGuiApplication.h>
-#include <OssHostDialogs.h>
+#include <OssMessageBox.h>
 #include <OssPalette.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>

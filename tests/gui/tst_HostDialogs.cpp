@@ -1,7 +1,12 @@
 #include "OssApplication.h"
 #include "OssDebug.h"
 #include "OssExpandableListWidget.h"
-#include "OssHostDialogs.h"
+#include "OssFileDialog.h"
+#include "OssFormLayout.h"
+#include "OssMessageBox.h"
+#include "OssMiniButton.h"
+#include "OssPopupDialog.h"
+#include "OssQuestionBox.h"
 #include "OssResourceInfo.h"
 #include "OssTestEnvironment.h"
 

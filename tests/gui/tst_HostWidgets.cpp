@@ -3,9 +3,11 @@
 #include <OssCanvasManager.h>
 #include <OssCanvasWidget.h>
 #include <OssChannel.h>
-#include <OssNodeDialogs.h>
+#include <OssNodeInfoDialog.h>
+#include <OssNodeQuickFindDialog.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
+#include <OssSearchNodeDialog.h>
 #include <OssShaderNetwork.h>
 #include <OssShadingGroup.h>
 #include <OssSnBaseNode.h>

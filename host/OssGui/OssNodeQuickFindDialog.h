@@ -4,15 +4,11 @@
 
 #include <QDialog>
 #include <QPoint>
-#include <QPointer>
 #include <QSize>
 #include <QStringList>
 
-class OssSnBaseNode;
 class QLineEdit;
 class QListWidget;
-class QListWidgetItem;
-class QPlainTextEdit;
 
 // Quick node creation at the cursor: recent and favourite node types first, then every
 // creatable type, filtered as the user types; Return takes the first match.
@@ -44,37 +40,4 @@ private:
     QPoint m_cursor;
     QLineEdit *m_filter = nullptr;
     QListWidget *m_list = nullptr;
-};
-
-// Finds a node of the network by name.
-class OSSGUI_EXPORT OssSearchNodeDialog : public QDialog
-{
-    Q_OBJECT
-public:
-    explicit OssSearchNodeDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent = nullptr);
-    void setFilter(const QString &text);
-    QStringList shownNames() const;
-    OssSnBaseNode *chosenNode() const;
-
-public slots:
-    void acceptCurrent();
-
-private:
-    void rebuild();
-    QList<QPointer<OssSnBaseNode>> m_nodes;
-    QPointer<OssSnBaseNode> m_chosen;
-    QLineEdit *m_filter = nullptr;
-    QListWidget *m_list = nullptr;
-};
-
-// "Info Viewer": what the host knows of the given nodes.
-class OSSGUI_EXPORT OssNodeInfoDialog : public QDialog
-{
-    Q_OBJECT
-public:
-    explicit OssNodeInfoDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent = nullptr);
-    QString text() const;
-
-private:
-    QPlainTextEdit *m_text = nullptr;
 };

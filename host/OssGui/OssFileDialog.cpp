@@ -1,0 +1,47 @@
+#include "OssFileDialog.h"
+
+#include <OssApplication.h>
+#include <OssResourceInfo.h>
+
+#include <QFileDialog>
+#include <QFileInfo>
+
+namespace {
+
+QString startFolder(const QString &pathKey)
+{
+    return OssResourceInfo::instance()->path(pathKey);
+}
+
+void rememberFolder(const QString &pathKey, const QString &file)
+{
+    if (!file.isEmpty())
+        OssResourceInfo::instance()->setPath(pathKey, QFileInfo(file).absolutePath());
+}
+
+} // namespace
+
+QString OssFileDialog::getSaveFileName(QWidget *parent, const QString &title, const QString &filter,
+                                       const QString &pathKey)
+{
+    QString file;
+    if (OssApplication::hasDialogAnswer())
+        file = OssApplication::takeDialogAnswer().toString();
+    else if (OssApplication::popupsAllowed())
+        file = QFileDialog::getSaveFileName(parent, title, startFolder(pathKey), filter);
+    rememberFolder(pathKey, file);
+    return file;
+}
+
+QStringList OssFileDialog::getOpenFileNames(QWidget *parent, const QString &title,
+                                            const QString &filter, const QString &pathKey)
+{
+    QStringList files;
+    if (OssApplication::hasDialogAnswer())
+        files = OssApplication::takeDialogAnswer().toStringList();
+    else if (OssApplication::popupsAllowed())
+        files = QFileDialog::getOpenFileNames(parent, title, startFolder(pathKey), filter);
+    if (!files.isEmpty())
+        rememberFolder(pathKey, files.first());
+    return files;
+}
