@@ -12,9 +12,9 @@
 #include <OssSnBaseNode.h>
 #include <OssUndoManager.h>
 
-#include <QApplication>
 #include <QBuffer>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QXmlStreamReader>
@@ -168,7 +168,7 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     // The process is set up as the host shell sets itself up.
     OssApplication::configureAllocator();
-    QApplication app(argc, argv);
+    QGuiApplication app(argc, argv);
     QTemporaryDir directory;
     QTemporaryDir settings;
     qputenv("OSSA_SETTINGS_DIR", settings.path().toUtf8());
