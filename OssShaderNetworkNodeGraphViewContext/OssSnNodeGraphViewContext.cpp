@@ -299,6 +299,7 @@ void OssSnNodeGraphViewContext::initializeGui()
                 qOverload<int>(&Ctx::setPortListMode));
     connect(gui, &OssNgNode::inputSourceChanged, this, &Ctx::onGuiNodeInputChange);
     connect(gui, &OssNgNode::posChanged, this, &Ctx::onGuiNodePosChanged);
+    connect(gui, &OssNgNode::selectedChanged, this, &Ctx::onGuiNodeSelectedChanged);
     connect(gui, &OssNgNode::clickedOnDotableMarkerOnEdge, this, &Ctx::onDotableMarkerClicked);
     connect(node, &Node::inputConnectionIsShared, this, &Ctx::onParentInputIsShared);
     connect(node, &Node::systemShaderStatusSync, this, &Ctx::onUpdateSystemShaderStatus);
@@ -456,8 +457,11 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
 void OssSnNodeGraphViewContext::applySelection(bool selected)
 {
     OssSnBaseNode *node = parentNode();
-    if (guiItem() && guiItem()->isSelected() != selected)
+    if (guiItem() && guiItem()->isSelected() != selected) {
         guiItem()->setSelected(selected);
+        // A hidden or disabled item refuses to be selected: the node stays as the user sees it.
+        selected = guiItem()->isSelected();
+    }
     if (node && node->selected() != selected)
         node->setSelected(selected);
     if (!node || !selected || !node->hasTag(QStringLiteral("_viewer")))
@@ -747,6 +751,16 @@ void OssSnNodeGraphViewContext::onInputEnabledChanged(QString input, bool enable
 void OssSnNodeGraphViewContext::selectGuiNode(bool selected)
 {
     applySelection(selected);
+}
+
+void OssSnNodeGraphViewContext::onGuiNodeSelectedChanged(bool selected)
+{
+    // The one place where a selection made in the view (a click, a rubber band, the scene
+    // clearing its selection, an item hidden) becomes the business node's selection; the node's
+    // own signal then brings every other follower along.
+    OssSnBaseNode *node = parentNode();
+    if (node && node->selected() != selected)
+        node->setSelected(selected);
 }
 
 // --- placement

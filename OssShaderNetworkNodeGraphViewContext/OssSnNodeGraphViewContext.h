@@ -129,6 +129,7 @@ protected slots:
     void onParentInputIsShared(QString input);
     void onInputEnabledChanged(QString input, bool enabled);
     void selectGuiNode(bool selected);
+    void onGuiNodeSelectedChanged(bool selected);
     // Placement requests of the business node.
     void onSetLayout(OssSnBaseNode::NodeLayoutType Type, OssSnBaseNode *ReferenceNode,
                      bool FreshCoordinates, bool PreventOverlap);
