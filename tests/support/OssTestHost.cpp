@@ -14,7 +14,7 @@ OssTestHost::OssTestHost() = default;
 
 OssTestHost::~OssTestHost()
 {
-    // The project's nodes go while the managers they talk to are still there.
+    // The project goes while the application and its widgets are still there, not at exit.
     OssProjectManager::instance()->closeProject();
 }
 
