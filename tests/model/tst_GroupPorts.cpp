@@ -1,7 +1,5 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
-#include <OssProject.h>
-#include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnGroupNode.h>
@@ -17,7 +15,7 @@ class tst_GroupPorts : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     OssShaderNetwork *m_network = nullptr;
     OssSnGroupNode *m_group = nullptr;
     OssUndoManager *undo() { return OssUndoManager::instance(); }
@@ -26,10 +24,12 @@ private:
     QString dump() const { return m_network->dump() + m_group->groupNetwork()->dump(); }
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
     void init()
     {
-        m_network =
-            OssProjectManager::instance()->newProject(QStringLiteral("Head"))->networks().first();
+        m_network = m_host.newProject();
+        QVERIFY(m_network);
         m_group =
             qobject_cast<OssSnGroupNode *>(m_network->createNode(QStringLiteral("Misc/Group")));
         QVERIFY(m_group);
@@ -63,7 +63,7 @@ private slots:
         undo()->clear();
     }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void removingAnInnerPortNodeIsUndoneExactly_data()
     {

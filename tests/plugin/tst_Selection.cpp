@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestPluginHost.h"
 
 #include "OssShaderNetworkView.h"
 #include "OssSnGroupNodeGraphViewContext.h"
@@ -7,8 +7,6 @@
 #include "OssSnNodeGraphWidget.h"
 
 #include <OssNgNode.h>
-#include <OssProject.h>
-#include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnGroupNode.h>
@@ -52,12 +50,9 @@ class tst_Selection : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestPluginHost m_host;
     OssShaderNetwork *m_network = nullptr;
-    OssSnNodeGraphViewContextManager *manager()
-    {
-        return OssSnNodeGraphViewContextManager::instance();
-    }
+    OssSnNodeGraphViewContextManager *manager() { return m_host.manager(); }
     OssShaderNetworkView *view() { return manager()->currentView(); }
     OssNgNode *gui(const char *name)
     {
@@ -88,7 +83,7 @@ private:
 private slots:
     void initTestCase()
     {
-        manager();
+        QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
         manager()->nodeGraphWidget()->window()->resize(1000, 800);
         manager()->nodeGraphWidget()->window()->show();
         QVERIFY(QTest::qWaitForWindowExposed(manager()->nodeGraphWidget()->window()));
@@ -96,8 +91,8 @@ private slots:
 
     void init()
     {
-        m_network =
-            OssProjectManager::instance()->newProject(QStringLiteral("Head"))->networks().first();
+        m_network = m_host.newProject();
+        QVERIFY(m_network);
         QVERIFY(view());
         QCOMPARE(view()->network(), m_network);
         const QList<QPair<const char *, QPointF>> nodes{
@@ -113,7 +108,7 @@ private slots:
         view()->centerOn(QPointF(200, 200));
     }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void viewAndModelAgree_data()
     {
