@@ -41,20 +41,6 @@ QColor colourFrom(const QString &text)
     return colour;
 }
 
-// The GUI node owned by a context: a scene may delete it first (when it closes with the
-// project); the guard then keeps the context from deleting it again.
-QSharedPointer<OssNgNode> ownGuiNode(OssNgNode *node)
-{
-    QPointer<OssNgNode> guard(node);
-    return QSharedPointer<OssNgNode>(node, [guard](OssNgNode *) {
-        if (guard) {
-            guard->setParent(nullptr);
-            guard->dispose();
-            delete guard.data();
-        }
-    });
-}
-
 } // namespace
 
 OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withGui)
@@ -71,9 +57,14 @@ OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withG
 
 OssSnNodeGraphViewContext::~OssSnNodeGraphViewContext()
 {
-    // Gives the GUI node up: it leaves the scene and the business node.
-    m_GuiNode.reset();
-    m_guiGuard = nullptr;
+    // The context owns its GUI node: it leaves the scene and the business node with the context.
+    // A scene or a business node that went first took it along, and the pointer reads null.
+    if (OssNgNode *gui = m_guiNode.data()) {
+        m_guiNode = nullptr;
+        gui->setParent(nullptr);
+        gui->dispose();
+        delete gui;
+    }
 }
 
 OssSnNodeGraphViewContext *OssSnNodeGraphViewContext::of(const OssSnBaseNode *node)
@@ -118,8 +109,7 @@ void OssSnNodeGraphViewContext::adoptGuiNode(OssNgNode *gui)
     OssSnBaseNode *node = parentNode();
     if (!gui || !node)
         return;
-    m_GuiNode = ownGuiNode(gui);
-    m_guiGuard = gui;
+    m_guiNode = gui;
     gui->setParent(node);
     gui->setText(node->name());
     gui->setToolTip(node->description());
