@@ -1,15 +1,6 @@
 #include "OssShaderNetworkNodeGraphViewContextPlugin.h"
 
-#include "OssDebug.h"
-#include "OssShaderNetworkView.h"
-#include "OssSnNodeCreationActions.h"
-#include "OssSnNodeGraphViewContextManager.h"
 #include "ZelGLTextureToken.h"
-
-#include <OssShaderNetworkManager.h>
-
-#include <QAction>
-#include <QApplication>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;
@@ -18,47 +9,7 @@ OssShaderNetworkNodeGraphViewContextPlugin::~OssShaderNetworkNodeGraphViewContex
 
 bool OssShaderNetworkNodeGraphViewContextPlugin::initialize()
 {
-    // The banner alone carries neither the information nor the warning prefix.
-    OssDebug(__FILE__, __LINE__, "[ Plugin ] Shader Network - Node Graph View Context");
-    OssSnNodeGraphViewContextManager::instance();
-    // The fixed node-graph actions are made here, after the node-creation actions; the
-    // catalogue of fixed actions and the script factories of the palette and the view join
-    // this sequence at these two places.
-    createNodeCreationActions();
-    connect(OssShaderNetworkManager::instance(), SIGNAL(registeredNodePopulationChanged()), this,
-            SLOT(createNodeCreationActions()));
-    return true;
-}
-
-void OssShaderNetworkNodeGraphViewContextPlugin::createNodeCreationActions()
-{
-    OssSnNodeCreationActions::create(this, SLOT(createNodeFromAction()));
-}
-
-void OssShaderNetworkNodeGraphViewContextPlugin::createNodeFromAction()
-{
-    auto *action = qobject_cast<QAction *>(sender());
-    if (!action) {
-        OSS_DEBUG("Action is NULL");
-        return;
-    }
-    OssShaderNetworkView *view = currentShaderNetworkView();
-    if (!view) {
-        OSS_DEBUG("ShaderNetworkView is NULL");
-        return;
-    }
-    view->createNodeFromAction(action);
-}
-
-OssShaderNetworkView *OssShaderNetworkNodeGraphViewContextPlugin::currentShaderNetworkView()
-{
-    if (auto *focused = qobject_cast<OssShaderNetworkView *>(QApplication::focusWidget()))
-        return focused;
-    OssShaderNetworkView *view = OssSnNodeGraphViewContextManager::instance()->currentView();
-    OSS_DEBUG("[ !! ] Could not get the current active widget, fallback onto current nodegraph "
-              "view %p",
-              static_cast<void *>(view));
-    return view;
+    return start();
 }
 
 bool OssShaderNetworkNodeGraphViewContextPlugin::uninitialize()

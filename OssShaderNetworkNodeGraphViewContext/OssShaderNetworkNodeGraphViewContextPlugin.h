@@ -1,13 +1,12 @@
 #pragma once
 
 #include "OssPluginInterface.h"
+#include "OssSnNodeGraphPluginCore.h"
 
-#include <QObject>
-
-class OssShaderNetworkView;
-
-// The plug-in object: the host's entry into the node-graph view of shader networks.
-class OssShaderNetworkNodeGraphViewContextPlugin : public QObject, public OssPluginInterface
+// The plug-in object: the host's entry into the node-graph view of shader networks. It adds the
+// metadata and the host's plug-in interface to the plug-in's start-up and actions.
+class OssShaderNetworkNodeGraphViewContextPlugin : public OssSnNodeGraphPluginCore,
+                                                   public OssPluginInterface
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "com.halvern.ossa.pluginterface/1.0")
@@ -23,11 +22,4 @@ public:
     QString authorName() const override;
     QString legalNotice() const override;
     int version() const override;
-
-private slots:
-    void createNodeCreationActions();
-    void createNodeFromAction();
-
-private:
-    OssShaderNetworkView *currentShaderNetworkView();
 };

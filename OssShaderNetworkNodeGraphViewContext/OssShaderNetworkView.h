@@ -56,6 +56,8 @@ public slots:
     void frameSelectedNodes();
     void fitToViewAction();
     void ensureIsVisibleAction();
+    // Adds every node of the view's network except system shader nodes to the selection.
+    void selectAll();
 
     void onZoomToChanged();
     void allowViewUpdateChanged(bool AllowViewUpdate);

@@ -36,11 +36,12 @@ void OssSnGroupNodeGraphViewContext::initializeGui()
         return;
     OssSnNodeGraphViewContextManager::instance()->registerGroupNetwork(group->groupNetwork(),
                                                                        group);
-    connect(group, SIGNAL(nameChanged(QString)), this, SLOT(onNameChanged(QString)));
-    connect(group, SIGNAL(openNodeGraph()), this, SLOT(showGroupNodeTab()));
-    connect(OssShaderNetworkManager::instance(),
-            SIGNAL(nodeDeregistered(OssShaderNetwork *, OssSnBaseNode *)), this,
-            SLOT(hideGroupNodeTab(OssShaderNetwork *, OssSnBaseNode *)));
+    connect(group, &OssSnBaseNode::nameChanged, this,
+            &OssSnGroupNodeGraphViewContext::onNameChanged);
+    connect(group, &OssSnGroupNode::openNodeGraph, this,
+            &OssSnGroupNodeGraphViewContext::showGroupNodeTab);
+    // The tab goes when the group is deregistered: the manager, which hears every
+    // deregistration once, hands it to the removed group's own context only.
     if (auto *multi = qobject_cast<OssSnMultiChannelGroupNode *>(group))
         connect(multi, &OssSnMultiChannelGroupNode::validityChanged, this,
                 &OssSnGroupNodeGraphViewContext::updateCategory);

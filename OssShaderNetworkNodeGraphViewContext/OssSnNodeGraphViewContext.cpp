@@ -42,20 +42,6 @@ QColor colourFrom(const QString &text)
     return colour;
 }
 
-// The GUI node owned by a context: a scene may delete it first (when it closes with the
-// project); the guard then keeps the context from deleting it again.
-QSharedPointer<OssNgNode> ownGuiNode(OssNgNode *node)
-{
-    QPointer<OssNgNode> guard(node);
-    return QSharedPointer<OssNgNode>(node, [guard](OssNgNode *) {
-        if (guard) {
-            guard->setParent(nullptr);
-            guard->dispose();
-            delete guard.data();
-        }
-    });
-}
-
 } // namespace
 
 OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withGui)
@@ -72,9 +58,14 @@ OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withG
 
 OssSnNodeGraphViewContext::~OssSnNodeGraphViewContext()
 {
-    // Gives the GUI node up: it leaves the scene and the business node.
-    m_GuiNode.reset();
-    m_guiGuard = nullptr;
+    // The context owns its GUI node: it leaves the scene and the business node with the context.
+    // A scene or a business node that went first took it along, and the pointer reads null.
+    if (OssNgNode *gui = m_guiNode.data()) {
+        m_guiNode = nullptr;
+        gui->setParent(nullptr);
+        gui->dispose();
+        delete gui;
+    }
 }
 
 OssSnNodeGraphViewContext *OssSnNodeGraphViewContext::of(const OssSnBaseNode *node)
@@ -119,8 +110,7 @@ void OssSnNodeGraphViewContext::adoptGuiNode(OssNgNode *gui)
     OssSnBaseNode *node = parentNode();
     if (!gui || !node)
         return;
-    m_GuiNode = ownGuiNode(gui);
-    m_guiGuard = gui;
+    m_guiNode = gui;
     gui->setParent(node);
     gui->setText(node->name());
     gui->setToolTip(node->description());
@@ -300,6 +290,7 @@ void OssSnNodeGraphViewContext::initializeGui()
                 qOverload<int>(&Ctx::setPortListMode));
     connect(gui, &OssNgNode::inputSourceChanged, this, &Ctx::onGuiNodeInputChange);
     connect(gui, &OssNgNode::posChanged, this, &Ctx::onGuiNodePosChanged);
+    connect(gui, &OssNgNode::selectedChanged, this, &Ctx::onGuiNodeSelectedChanged);
     connect(gui, &OssNgNode::clickedOnDotableMarkerOnEdge, this, &Ctx::onDotableMarkerClicked);
     connect(node, &Node::inputConnectionIsShared, this, &Ctx::onParentInputIsShared);
     connect(node, &Node::systemShaderStatusSync, this, &Ctx::onUpdateSystemShaderStatus);
@@ -457,8 +448,11 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
 void OssSnNodeGraphViewContext::applySelection(bool selected)
 {
     OssSnBaseNode *node = parentNode();
-    if (guiItem() && guiItem()->isSelected() != selected)
+    if (guiItem() && guiItem()->isSelected() != selected) {
         guiItem()->setSelected(selected);
+        // A hidden or disabled item refuses to be selected: the node stays as the user sees it.
+        selected = guiItem()->isSelected();
+    }
     if (node && node->selected() != selected)
         node->setSelected(selected);
     if (!node || !selected || !node->hasTag(QStringLiteral("_viewer")))
@@ -748,6 +742,16 @@ void OssSnNodeGraphViewContext::onInputEnabledChanged(QString input, bool enable
 void OssSnNodeGraphViewContext::selectGuiNode(bool selected)
 {
     applySelection(selected);
+}
+
+void OssSnNodeGraphViewContext::onGuiNodeSelectedChanged(bool selected)
+{
+    // The one place where a selection made in the view (a click, a rubber band, the scene
+    // clearing its selection, an item hidden) becomes the business node's selection; the node's
+    // own signal then brings every other follower along.
+    OssSnBaseNode *node = parentNode();
+    if (node && node->selected() != selected)
+        node->setSelected(selected);
 }
 
 // --- placement

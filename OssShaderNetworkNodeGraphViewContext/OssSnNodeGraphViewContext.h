@@ -10,7 +10,6 @@
 #include <QPoint>
 #include <QPointF>
 #include <QPointer>
-#include <QSharedPointer>
 #include <QSizeF>
 #include <QVector>
 
@@ -39,7 +38,7 @@ public:
     static OssNgNode *guiNodeOf(const OssSnBaseNode *node);
 
     // The GUI node while it exists (a closing scene may have taken it).
-    OssNgNode *guiItem() const { return m_guiGuard.data(); }
+    OssNgNode *guiItem() const { return m_guiNode.data(); }
     OssNgExtendedNode *extendedNode() const;
 
     int shapeType() const { return m_shapeType; }
@@ -129,6 +128,7 @@ protected slots:
     void onParentInputIsShared(QString input);
     void onInputEnabledChanged(QString input, bool enabled);
     void selectGuiNode(bool selected);
+    void onGuiNodeSelectedChanged(bool selected);
     // Placement requests of the business node.
     void onSetLayout(OssSnBaseNode::NodeLayoutType Type, OssSnBaseNode *ReferenceNode,
                      bool FreshCoordinates, bool PreventOverlap);
@@ -169,8 +169,9 @@ protected:
     OssShaderNetworkView *currentView(bool logMissing = true) const;
     void applyColours();
 
-    QSharedPointer<OssNgNode> m_GuiNode;
-    QPointer<OssNgNode> m_guiGuard;
+    // The GUI node, owned by this context. Its QObject parent is the business node, so that the
+    // node can be found from the item.
+    QPointer<OssNgNode> m_guiNode;
     int m_shapeType = 0;
     QString m_nodeColorTop;
     QString m_nodeColorBottom;

@@ -3,6 +3,7 @@
 #include "OssPreferenceManager.h"
 #include "OssSettings.h"
 #include "OssShaderNetworkView.h"
+#include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextFactories.h"
 #include "OssSnNodeGraphViewContextLoader.h"
@@ -275,10 +276,14 @@ void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Netw
         OSS_DEBUG("Node is NULL");
         return;
     }
+    // The host announced the removal to the node's own listeners already; of the plug-in's
+    // objects only the group context of the removed node itself has something to do.
+    if (auto *group =
+            qobject_cast<OssSnGroupNodeGraphViewContext *>(OssSnNodeGraphViewContext::of(Node)))
+        group->hideGroupNodeTab(Network, Node);
     QGraphicsScene *scene = m_scenes.value(Network);
     if (m_scenes.isEmpty() || !scene)
         return;
-    Node->emitRemovedFromNetwork();
     OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Node);
     if (!gui)
         return;

@@ -347,6 +347,18 @@ void OssShaderNetwork::extractNodes(const QList<OssSnBaseNode *> &nodes, bool un
 
 void OssShaderNetwork::addNodeDirect(OssSnBaseNode *node, int index)
 {
+    insertDirect(node, index, nullptr);
+}
+
+void OssShaderNetwork::restoreNodeDirect(OssSnBaseNode *node, const OssSnTakenNode &taken)
+{
+    insertDirect(node, taken.index, &taken.groupPort);
+    if (taken.wasCurrentViewer && containsNode(node))
+        OssShaderNetworkManager::instance()->setCurrentViewerNode(node);
+}
+
+void OssShaderNetwork::insertDirect(OssSnBaseNode *node, int index, const OssSnTakenPort *groupPort)
+{
     if (!node || containsNode(node))
         return;
     if (m_byName.contains(node->name()))
@@ -365,15 +377,26 @@ void OssShaderNetwork::addNodeDirect(OssSnBaseNode *node, int index)
             if (OssSnBaseContext *context = node->context(name))
                 context->ensureGuiInitialized();
     emit nodeAdded(node);
+    // A group input or output node brings the group's port it mirrors: back at its place with
+    // its connections when the node is put back, at the end when it is new.
+    if (OssSnGroupNode *group = parentGroupNode()) {
+        if (groupPort && groupPort->isValid())
+            group->restoreInnerNodePort(node, *groupPort);
+        else
+            group->addInnerNodePort(node);
+    }
     if (m_announceNodes)
         OssShaderNetworkManager::instance()->registerNode(this, node);
 }
 
-int OssShaderNetwork::takeNodeDirect(OssSnBaseNode *node)
+OssSnTakenNode OssShaderNetwork::takeNodeDirect(OssSnBaseNode *node)
 {
+    OssSnTakenNode taken;
     const int index = m_nodes.indexOf(node);
     if (index < 0)
-        return -1;
+        return taken;
+    taken.index = index;
+    taken.wasCurrentViewer = OssShaderNetworkManager::instance()->currentViewerNode() == node;
     m_nodes.removeAt(index);
     m_byName.remove(node->name());
     releaseName(node->name());
@@ -383,7 +406,9 @@ int OssShaderNetwork::takeNodeDirect(OssSnBaseNode *node)
     if (m_announceNodes)
         OssShaderNetworkManager::instance()->deregisterNode(this, node);
     emit nodeRemoved(node);
-    return index;
+    if (OssSnGroupNode *group = parentGroupNode())
+        taken.groupPort = group->takeInnerNodePort(node);
+    return taken;
 }
 
 void OssShaderNetwork::nodeRenamed(OssSnBaseNode *node, const QString &oldName)

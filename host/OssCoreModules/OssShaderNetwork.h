@@ -9,10 +9,21 @@
 #include <QPointer>
 #include <QVector>
 
+#include "OssSnBaseNode.h"
+
 class OssEntity;
-class OssSnBaseNode;
 class OssSnGroupNode;
 class OssShadingGroup;
+
+// What taking a node out of its network changed besides the node list, so that putting it back
+// restores the same graph: its place in the list, the group port it mirrored and whether it was
+// the current viewer.
+struct OssSnTakenNode
+{
+    int index = -1;
+    OssSnTakenPort groupPort;
+    bool wasCurrentViewer = false;
+};
 
 // A shader network: a root network of a shading group, or the subnetwork of a group node (then
 // its parent object is the group node). Owns its nodes.
@@ -88,9 +99,12 @@ public:
     // outputs fed, and the node keeps no connections.
     void extractNodes(const QList<OssSnBaseNode *> &nodes, bool undoable = true);
 
-    // Used by undo steps: add or take a node without history.
+    // Used by undo steps: add or take a node without history. In a group's network, a group
+    // input or output node adds and takes the group port it mirrors along with it.
     void addNodeDirect(OssSnBaseNode *node, int index = -1);
-    int takeNodeDirect(OssSnBaseNode *node);
+    OssSnTakenNode takeNodeDirect(OssSnBaseNode *node);
+    // Puts a taken node back as it was (place, mirrored group port, current viewer).
+    void restoreNodeDirect(OssSnBaseNode *node, const OssSnTakenNode &taken);
     // Called by a node whose name changed.
     void nodeRenamed(OssSnBaseNode *node, const QString &oldName);
 
@@ -124,6 +138,7 @@ private:
     };
     void onNodeSelectedChanged();
     void releaseName(const QString &name);
+    void insertDirect(OssSnBaseNode *node, int index, const OssSnTakenPort *groupPort);
 
     QString m_name;
     QList<OssSnBaseNode *> m_nodes;

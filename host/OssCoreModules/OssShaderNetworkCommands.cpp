@@ -89,14 +89,20 @@ OssSnInsertNodeCommand::~OssSnInsertNodeCommand()
 
 void OssSnInsertNodeCommand::redo()
 {
-    if (m_network && m_node)
+    if (!m_network || !m_node)
+        return;
+    if (m_undone)
+        m_network->restoreNodeDirect(m_node, m_taken);
+    else
         m_network->addNodeDirect(m_node);
 }
 
 void OssSnInsertNodeCommand::undo()
 {
-    if (m_network && m_node)
-        m_network->takeNodeDirect(m_node);
+    if (!m_network || !m_node)
+        return;
+    m_taken = m_network->takeNodeDirect(m_node);
+    m_undone = true;
 }
 
 OssSnRemoveNodeCommand::OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)
@@ -125,14 +131,14 @@ void OssSnRemoveNodeCommand::redo()
     for (const Link &link : qAsConst(m_links))
         if (link.target)
             link.target->setConnectionDirect(link.input, nullptr, QString());
-    m_index = m_network->takeNodeDirect(m_node);
+    m_taken = m_network->takeNodeDirect(m_node);
 }
 
 void OssSnRemoveNodeCommand::undo()
 {
     if (!m_network || !m_node)
         return;
-    m_network->addNodeDirect(m_node, m_index);
+    m_network->restoreNodeDirect(m_node, m_taken);
     for (const Link &link : qAsConst(m_links))
         if (link.target && link.source)
             link.target->setConnectionDirect(link.input, link.source, link.output);

@@ -2,6 +2,8 @@
 
 #include "OssCoreModulesExport.h"
 
+#include "OssShaderNetwork.h"
+
 #include <OssCustomAttribute.h>
 #include <OssUndoCommand.h>
 
@@ -76,6 +78,9 @@ public:
 private:
     QPointer<OssShaderNetwork> m_network;
     QPointer<OssSnBaseNode> m_node;
+    // Set once undone: what a redo puts back.
+    OssSnTakenNode m_taken;
+    bool m_undone = false;
 };
 
 // Takes a node and every connection to and from it out of its network (redo) and puts them
@@ -99,7 +104,7 @@ private:
     QPointer<OssShaderNetwork> m_network;
     QPointer<OssSnBaseNode> m_node;
     QList<Link> m_links;
-    int m_index = -1;
+    OssSnTakenNode m_taken;
 };
 
 // The viewer's current edge of a root network.

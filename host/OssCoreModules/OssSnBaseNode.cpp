@@ -331,6 +331,54 @@ bool OssSnBaseNode::removeInput(const QString &name)
     return true;
 }
 
+OssSnTakenPort OssSnBaseNode::takeInput(const QString &name)
+{
+    OssSnTakenPort taken;
+    const int index = indexOfInput(name);
+    if (index < 0)
+        return taken;
+    taken.kind = OssSnTakenPort::Input;
+    taken.index = index;
+    taken.input = m_inputs.at(index);
+    taken.preferred = m_preferredInput == name;
+    removeInput(name);
+    return taken;
+}
+
+bool OssSnBaseNode::restorePort(const OssSnTakenPort &port)
+{
+    if (port.kind == OssSnTakenPort::Input) {
+        const QString &name = port.input.name;
+        if (name.isEmpty() || hasInput(name))
+            return false;
+        OssSnNodeInput in = port.input;
+        in.source = nullptr;
+        in.sourceOutput.clear();
+        m_inputs.insert(qBound(0, port.index, int(m_inputs.size())), in);
+        if (port.preferred)
+            m_preferredInput = name;
+        emit inputAdded(name);
+        emit inputOrderChanged(inputNames());
+        if (port.input.source)
+            setConnectionDirect(name, port.input.source, port.input.sourceOutput);
+        return true;
+    }
+    if (port.kind == OssSnTakenPort::Output) {
+        const QString &name = port.output.name;
+        if (name.isEmpty() || hasOutputPoint(name))
+            return false;
+        m_outputs.insert(qBound(0, port.index, int(m_outputs.size())), port.output);
+        if (port.preferred)
+            m_preferredOutput = name;
+        emit outputPointAdded(name);
+        for (const OssSnOutputLink &link : port.links)
+            if (link.target)
+                link.target->setConnectionDirect(link.input, this, name);
+        return true;
+    }
+    return false;
+}
+
 bool OssSnBaseNode::renameInput(const QString &oldName, const QString &newName)
 {
     const int index = indexOfInput(oldName);
@@ -426,6 +474,23 @@ bool OssSnBaseNode::removeOutputPoint(const QString &name)
     m_outputs.remove(index);
     emit outputPointRemoved(name);
     return true;
+}
+
+OssSnTakenPort OssSnBaseNode::takeOutputPoint(const QString &name)
+{
+    OssSnTakenPort taken;
+    const int index = indexOfOutput(name);
+    if (index < 0)
+        return taken;
+    taken.kind = OssSnTakenPort::Output;
+    taken.index = index;
+    taken.output = m_outputs.at(index);
+    taken.preferred = m_preferredOutput == name;
+    for (const OssSnOutputLink &link : qAsConst(m_outputLinks))
+        if (link.outputPoint == name && link.target)
+            taken.links.append(link);
+    removeOutputPoint(name);
+    return taken;
 }
 
 bool OssSnBaseNode::renameOutputPoint(const QString &oldName, const QString &newName)

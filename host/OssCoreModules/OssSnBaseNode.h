@@ -56,6 +56,26 @@ struct OssSnOutputLink
     QString outputPoint;
 };
 
+// A port taken out of a node with all it takes to put it back exactly: its place in the port
+// list, its description and the connections it had.
+struct OssSnTakenPort
+{
+    enum Kind
+    {
+        None,
+        Input,
+        Output
+    };
+    Kind kind = None;
+    int index = -1;
+    OssSnNodeInput input;
+    OssSnNodeOutputPoint output;
+    bool preferred = false;
+    // An output's connections to the inputs it fed.
+    QVector<OssSnOutputLink> links;
+    bool isValid() const { return kind != None; }
+};
+
 // A node of a shader network: named, typed inputs fed by output points of other nodes, output
 // points, node attributes, state flags and contexts that views attach to it.
 //
@@ -151,6 +171,8 @@ public:
     bool addInput(const QString &name, const QString &type = QStringLiteral("any"),
                   const QStringList &tags = QStringList());
     bool removeInput(const QString &name);
+    // Removes an input and returns what restorePort needs to put it back as it was.
+    OssSnTakenPort takeInput(const QString &name);
     bool renameInput(const QString &oldName, const QString &newName);
     // Reorders the inputs; Order must name every input once.
     bool setInputOrder(const QStringList &order);
@@ -166,6 +188,10 @@ public:
     QStringList descriptiveOutputNameList() const;
     bool addOutputPoint(const QString &name, const QString &type = QStringLiteral("any"));
     bool removeOutputPoint(const QString &name);
+    OssSnTakenPort takeOutputPoint(const QString &name);
+    // Puts a taken port back at its place with its connections; false when a port of that name
+    // exists.
+    bool restorePort(const OssSnTakenPort &port);
     bool renameOutputPoint(const QString &oldName, const QString &newName);
     // True when views should not show output ports for this node.
     virtual bool outputPortsHidden() const { return false; }

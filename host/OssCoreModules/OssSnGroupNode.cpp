@@ -29,9 +29,6 @@ bool isGroupOutput(const OssSnBaseNode *node)
 OssSnGroupNode::OssSnGroupNode(QObject *parent)
     : OssSnBaseNode(parent), m_groupNetwork(new OssShaderNetwork(QString(), this))
 {
-    connect(m_groupNetwork, &OssShaderNetwork::nodeAdded, this, &OssSnGroupNode::onInnerNodeAdded);
-    connect(m_groupNetwork, &OssShaderNetwork::nodeRemoved, this,
-            &OssSnGroupNode::onInnerNodeRemoved);
     connect(this, &OssSnBaseNode::nodeAttributeChanged, this,
             &OssSnGroupNode::onOwnAttributeChanged);
 }
@@ -303,7 +300,7 @@ void OssSnGroupNode::onLoadFinished()
     OssSnBaseNode::onLoadFinished();
 }
 
-void OssSnGroupNode::onInnerNodeAdded(OssSnBaseNode *node)
+void OssSnGroupNode::addInnerNodePort(OssSnBaseNode *node)
 {
     if (isGroupInput(node)) {
         if (addInput(node->name(), node->outputPointType(node->prefferedOutputPoint())))
@@ -314,6 +311,29 @@ void OssSnGroupNode::onInnerNodeAdded(OssSnBaseNode *node)
     } else {
         return;
     }
+    followRenames(node);
+}
+
+OssSnTakenPort OssSnGroupNode::takeInnerNodePort(OssSnBaseNode *node)
+{
+    disconnect(node, &OssSnBaseNode::nameChanged, this, nullptr);
+    if (isGroupInput(node))
+        return takeInput(node->name());
+    if (isGroupOutput(node))
+        return takeOutputPoint(node->name());
+    return OssSnTakenPort();
+}
+
+void OssSnGroupNode::restoreInnerNodePort(OssSnBaseNode *node, const OssSnTakenPort &port)
+{
+    if (!isGroupInput(node) && !isGroupOutput(node))
+        return;
+    restorePort(port);
+    followRenames(node);
+}
+
+void OssSnGroupNode::followRenames(OssSnBaseNode *node)
+{
     connect(
         node, &OssSnBaseNode::nameChanged, this,
         [this, node, old = node->name()](const QString &) mutable {
@@ -321,15 +341,6 @@ void OssSnGroupNode::onInnerNodeAdded(OssSnBaseNode *node)
             old = node->name();
         },
         Qt::UniqueConnection);
-}
-
-void OssSnGroupNode::onInnerNodeRemoved(OssSnBaseNode *node)
-{
-    disconnect(node, &OssSnBaseNode::nameChanged, this, nullptr);
-    if (isGroupInput(node))
-        removeInput(node->name());
-    else if (isGroupOutput(node))
-        removeOutputPoint(node->name());
 }
 
 void OssSnGroupNode::onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldName)

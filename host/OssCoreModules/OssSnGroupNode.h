@@ -36,6 +36,14 @@ public:
     // The (inner node, attribute) pairs a knob drives.
     QList<QPair<OssSnBaseNode *, QString>> knobLinks(const QString &knob) const;
 
+    // The group's ports follow its input and output nodes. Its network calls these as it adds,
+    // takes and puts back inner nodes, inside the same host operation (and undo step): a new
+    // input node adds a port at the end; taking the node takes the port with its connections;
+    // putting the node back restores the port at its place with them.
+    void addInnerNodePort(OssSnBaseNode *node);
+    OssSnTakenPort takeInnerNodePort(OssSnBaseNode *node);
+    void restoreInnerNodePort(OssSnBaseNode *node, const OssSnTakenPort &port);
+
     bool saveObjects(OssSerializer &serializer) override;
     OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,
                                            const QString &type) override;
@@ -53,8 +61,7 @@ signals:
     void updatePortClusters();
 
 private:
-    void onInnerNodeAdded(OssSnBaseNode *node);
-    void onInnerNodeRemoved(OssSnBaseNode *node);
+    void followRenames(OssSnBaseNode *node);
     void onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldName);
     void onOwnAttributeChanged(const QString &name, const QVariant &value);
 

@@ -770,6 +770,11 @@ QVariant OssNgNode::itemChange(GraphicsItemChange change, const QVariant &value)
         }
         emit posChanged(value.toPointF());
         break;
+    case ItemSelectedHasChanged:
+        // Clicks, rubber bands and the scene's own clearing change an item's selection; the
+        // owner of the business node turns this into the node's selection.
+        emit selectedChanged(value.toBool());
+        break;
     case ItemSceneHasChanged: {
         // Input edges live in the scene of the node they end at.
         QGraphicsScene *newScene = value.value<QGraphicsScene *>();

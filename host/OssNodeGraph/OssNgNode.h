@@ -201,6 +201,8 @@ public:
 
 signals:
     void posChanged(QPointF position);
+    // The item's selection changed, by the user or by the scene.
+    void selectedChanged(bool selected);
     void inputSourceChanged(OssNgNode *source, QString inputName, QString outputPoint);
     void clickedOnDotableMarkerOnEdge(OssNgEdge *edge);
     void hoveredChanged(bool hovered);

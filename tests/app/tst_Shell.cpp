@@ -1,11 +1,10 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssMainWindow.h>
 #include <OssPluginHost.h>
 #include <OssPreferencesDialog.h>
 
 #include <OssActionTreeManager.h>
-#include <OssDebug.h>
 #include <OssPalette.h>
 #include <OssPreferenceManager.h>
 #include <OssProjectManager.h>
@@ -93,12 +92,13 @@ class tst_Shell : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     Settings m_settings;
 
 private slots:
     void initTestCase()
     {
+        QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
         OssPreferenceManager *preferences = OssPreferenceManager::instance();
         for (const char *key : {"style", "snap", "steps", "scale", "label", "mode"})
             QVERIFY(preferences->registerPreference(
@@ -106,6 +106,8 @@ private slots:
                 key == QByteArray("style") || key == QByteArray("snap") ? "Look" : "Numbers",
                 &m_settings, key));
     }
+
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void menuPaths_data()
     {
@@ -128,19 +130,19 @@ private slots:
 
     void pluginsLoadFromTheBuildFolder()
     {
-        OssDebugCapture capture;
+        m_host.clearLines();
         OssPluginHost host;
         QCOMPARE(host.loadAll(builtPluginDirectory()), 1);
         QCOMPARE(host.plugins().size(), 1);
         QCOMPARE(host.plugins().first().name, QStringLiteral("Node Graph View Context"));
-        QVERIFY(capture.contains("[ Plugin ] Shader Network - Node Graph View Context"));
+        QVERIFY(m_host.hasLine("[ Plugin ] Shader Network - Node Graph View Context"));
         OssMainWindow window(&host);
         QVERIFY(window.aboutText().contains(QStringLiteral("Node Graph View Context (version 1)")));
     }
 
     void foreignFilesAreSkippedWithTheirReason()
     {
-        const QString folder = m_environment.scratchDirectory() + QStringLiteral("/plugins");
+        const QString folder = m_host.scratchPath(QStringLiteral("plugins"));
         QVERIFY(QDir().mkpath(folder));
         QFile text(folder + QStringLiteral("/libnotes.so"));
         QVERIFY(text.open(QIODevice::WriteOnly));
@@ -153,7 +155,7 @@ private slots:
         const QString qtPlugin = QLibraryInfo::location(QLibraryInfo::PluginsPath) +
                                  QStringLiteral("/imageformats/libqico.so");
         const bool haveQtPlugin = QFile::copy(qtPlugin, folder + QStringLiteral("/libqico.so"));
-        OssDebugCapture capture;
+        m_host.clearLines();
         OssPluginHost host;
         QCOMPARE(host.loadAll(folder), 0);
         QStringList problems = host.problems();
@@ -165,8 +167,8 @@ private slots:
                                         "QImageIOHandlerFactoryInterface' is not "
                                         "'com.halvern.ossa.pluginterface/1.0'")),
                      qPrintable(problems.last()));
-        QVERIFY(capture.contains(QStringLiteral("[ !! ] Plug-in '%1' skipped: %2")
-                                     .arg("libnotes.so", problems.first().mid(13))));
+        QVERIFY(m_host.hasLine(QStringLiteral("[ !! ] Plug-in '%1' skipped: %2")
+                                   .arg("libnotes.so", problems.first().mid(13))));
         OssPluginHost missing;
         QCOMPARE(missing.loadAll(folder + QStringLiteral("/nowhere")), 0);
         QCOMPARE(missing.problems().size(), 1);
@@ -336,8 +338,8 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, output);
-        const QString picture = m_environment.scratchDirectory() + QStringLiteral("/") +
-                                QTest::currentDataTag() + QStringLiteral(".png");
+        const QString picture =
+            m_host.scratchPath(QTest::currentDataTag() + QStringLiteral(".png"));
         QProcess shell;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove(QStringLiteral("DISPLAY"));
@@ -345,7 +347,7 @@ private slots:
         shell.setProcessEnvironment(environment);
         shell.start(QStringLiteral(OSS_SHELL_EXECUTABLE),
                     arguments + QStringList{"--screenshot", picture, "--settings-dir",
-                                            m_environment.scratchDirectory()});
+                                            m_host.scratchDirectory()});
         QVERIFY(shell.waitForFinished(60000));
         const QString standardOutput = QString::fromUtf8(shell.readAllStandardOutput());
         QCOMPARE(shell.exitCode(), exitCode);

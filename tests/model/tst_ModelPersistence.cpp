@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssArchive.h>
 #include <OssProject.h>
@@ -22,32 +22,16 @@ class tst_ModelPersistence : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     OssShaderNetwork *m_network = nullptr;
     OssUndoManager *undo() { return OssUndoManager::instance(); }
-    QString scratch(const QString &name) const
-    {
-        return m_environment.scratchDirectory() + QLatin1Char('/') + name;
-    }
-    OssShaderNetwork *reopen(const QString &name)
-    {
-        QString error;
-        const QString path = scratch(name);
-        if (!OssProjectManager::instance()->saveProject(path, &error)) {
-            qWarning("%s", qPrintable(error));
-            return nullptr;
-        }
-        if (!OssProjectManager::instance()->openProject(path, &error)) {
-            qWarning("%s", qPrintable(error));
-            return nullptr;
-        }
-        return OssProjectManager::instance()->currentProject()->networks().first();
-    }
 
 private slots:
-    void init() { m_network = OssProjectManager::instance()->newProject()->networks().first(); }
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void init() { m_network = m_host.newProject(); }
+
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void knobsDriveInnerAttributesAndSurviveSaving()
     {
@@ -89,11 +73,13 @@ private slots:
         QVERIFY(group->renameKnobName(linked, QStringLiteral("Softness"), QStringLiteral("Soft")));
         QCOMPARE(group->userAttribute(linked).prettyName(), QStringLiteral("Soft"));
 
-        OssShaderNetwork *loaded = reopen(QStringLiteral("knobs.ossa"));
-        QVERIFY(loaded);
+        // Opening the saved project deletes this one, group included.
+        const QStringList attributeNames = group->nodeAttributeNames();
+        OssShaderNetwork *loaded = m_host.saveAndReopen(QStringLiteral("knobs.ossa"));
+        QVERIFY2(loaded, qPrintable(m_host.errorString()));
         m_network = loaded;
         auto *group2 = qobject_cast<OssSnGroupNode *>(loaded->node(QStringLiteral("Group")));
-        QCOMPARE(group2->nodeAttributeNames(), group->nodeAttributeNames());
+        QCOMPARE(group2->nodeAttributeNames(), attributeNames);
         QCOMPARE(group2->knobLinks(linked).size(), 2);
         QCOMPARE(group2->userAttribute(linked).prettyName(), QStringLiteral("Soft"));
         group2->setNodeAttribute(linked, 1.5);
@@ -120,8 +106,8 @@ private slots:
             ->setChannelName(QStringLiteral("Dirt"));
         qobject_cast<OssSnBakePointNode *>(m_network->node("Bake Point"))->bake("Baked");
         const QString before = m_network->dump();
-        OssShaderNetwork *loaded = reopen(QStringLiteral("kinds.ossa"));
-        QVERIFY(loaded);
+        OssShaderNetwork *loaded = m_host.saveAndReopen(QStringLiteral("kinds.ossa"));
+        QVERIFY2(loaded, qPrintable(m_host.errorString()));
         m_network = loaded;
         const QString after = loaded->dump();
         if (after != before) {
@@ -217,7 +203,7 @@ private slots:
         QVERIFY(material);
         material->groupNetwork()->createNode(QStringLiteral("Procedural/Noise/Grunge"));
         const QString before = m_network->dump();
-        const QString path = scratch(QStringLiteral("bad.oma"));
+        const QString path = m_host.scratchPath(QStringLiteral("bad.oma"));
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(content);
@@ -240,7 +226,7 @@ private slots:
             material->groupNetwork()->createNode(QStringLiteral("Adjust/Levels"));
         QVERIFY(levels->connectInput("Input", grunge, "Output"));
         QString error;
-        const QString path = scratch(QStringLiteral("dirt.oma"));
+        const QString path = m_host.scratchPath(QStringLiteral("dirt.oma"));
         QVERIFY2(material->exportToFile(path, &error), qPrintable(error));
         auto *other = qobject_cast<OssSnMaterialNode *>(m_network->createNode("_System/Material"));
         const int steps = undo()->count();
@@ -255,7 +241,7 @@ private slots:
         // A custom procedural takes the ports of its archive's definition.
         const OssSnNodeType *checker =
             OssSnNodeTypeCatalogue::instance()->type("Procedural/Pattern/Checker");
-        const QString procedural = scratch(QStringLiteral("checker.opc"));
+        const QString procedural = m_host.scratchPath(QStringLiteral("checker.opc"));
         QVERIFY(OssArchive::write(procedural, OssArchive::CustomProceduralKind,
                                   checker->source.toUtf8(), &error));
         auto *custom = qobject_cast<OssSnCustomProceduralNode *>(

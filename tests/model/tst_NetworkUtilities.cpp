@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssLayerRefreshSuspensionManager.h>
 #include <OssLayerShader.h>
@@ -44,15 +44,17 @@ class tst_NetworkUtilities : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     OssShaderNetwork *m_network = nullptr;
 
     OssSnBaseNode *node(const char *name) { return m_network->node(QString::fromLatin1(name)); }
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
     void init()
     {
-        m_network = OssProjectManager::instance()->newProject()->networks().first();
+        m_network = m_host.newProject();
         for (const char *key :
              {"Procedural/Noise/Perlin", "Filter/Blur", "Procedural/Pattern/Checker",
               "Procedural/Noise/Grunge", "Layer/Merge", "Shaders/Surface"})
@@ -65,7 +67,7 @@ private slots:
         OssUndoManager::instance()->clear();
     }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void walks_data()
     {
@@ -188,7 +190,7 @@ private slots:
 
     void nodeFiles()
     {
-        const QString path = m_environment.scratchDirectory() + QStringLiteral("/nodes.ong");
+        const QString path = m_host.scratchPath(QStringLiteral("nodes.ong"));
         QString error;
         QVERIFY(
             OssShaderNetworkIO::saveNodesToXmlFile({node("Perlin"), node("Blur")}, path, &error));
@@ -196,7 +198,7 @@ private slots:
             OssShaderNetworkIO::loadNodesFromXmlFile(m_network, path, &error);
         QCOMPARE(loaded.size(), 2);
         const int count = m_network->nodeCount();
-        const QString bad = m_environment.scratchDirectory() + QStringLiteral("/bad.ong");
+        const QString bad = m_host.scratchPath(QStringLiteral("bad.ong"));
         QFile file(bad);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("<OssaDocument formatVersion=\"1\"><object");

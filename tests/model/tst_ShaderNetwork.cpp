@@ -1,11 +1,9 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssChannel.h>
-#include <OssDebug.h>
 #include <OssEntity.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
-#include <OssResourceInfo.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkContextLoader.h>
 #include <OssShaderNetworkManager.h>
@@ -78,7 +76,7 @@ class tst_ShaderNetwork : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     RecordingLoader *m_loader = nullptr;
     OssShaderNetwork *m_network = nullptr;
     OssUndoManager *undo() { return OssUndoManager::instance(); }
@@ -86,18 +84,15 @@ private:
 private slots:
     void initTestCase()
     {
+        QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
         m_loader = new RecordingLoader;
         OssShaderNetworkManager::instance()->registerContextLoader(QStringLiteral("NodeGraphView"),
                                                                    m_loader);
     }
 
-    void init()
-    {
-        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Head"));
-        m_network = project->networks().first();
-    }
+    void init() { m_network = m_host.newProject(QStringLiteral("Head")); }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void createdNodesGetUniqueNamesContextsAndOneUndoStep()
     {
@@ -131,9 +126,9 @@ private slots:
 
     void unknownPathKeyCreatesNothing()
     {
-        OssDebugCapture capture;
+        m_host.clearLines();
         QVERIFY(m_network->createNodes(QStringLiteral("No/Such Type")).isEmpty());
-        QVERIFY(capture.contains(
+        QVERIFY(m_host.hasLine(
             "[ !! ] Cannot create node 'No/Such Type': unknown node type 'No/Such Type'"));
         QCOMPARE(undo()->count(), 0);
     }
@@ -380,7 +375,7 @@ private slots:
         blur->toggleBypass();
         qobject_cast<RecordingContext *>(blur->context("NodeGraphView"))->setAnswer(42);
         group->groupNetwork()->createNode(QStringLiteral("Adjust/Invert"));
-        const QString path = m_environment.scratchDirectory() + QStringLiteral("/round.ossa");
+        const QString path = m_host.scratchPath(QStringLiteral("round.ossa"));
         QString error;
         QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
         const QStringList before = wiring(m_network);
@@ -408,7 +403,7 @@ private slots:
         QCOMPARE(undo()->count(), 0);
 
         // Saving what was loaded gives the same file.
-        const QString again = m_environment.scratchDirectory() + QStringLiteral("/again.ossa");
+        const QString again = m_host.scratchPath(QStringLiteral("again.ossa"));
         QVERIFY(OssProjectManager::instance()->saveProject(again, &error));
         QFile a(path), b(again);
         QVERIFY(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
@@ -437,7 +432,7 @@ private slots:
         QFETCH(QString, message);
         m_network->createNode(QStringLiteral("Filter/Blur"));
         OssProject *project = OssProjectManager::instance()->currentProject();
-        const QString path = m_environment.scratchDirectory() + "/" + QTest::currentDataTag();
+        const QString path = m_host.scratchPath(QTest::currentDataTag());
         if (QByteArray(QTest::currentDataTag()) != "missing") {
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly));
@@ -456,7 +451,7 @@ private slots:
         OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
         OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
         QVERIFY(blur->connectInput("Input", noise, "Output"));
-        const QString path = m_environment.scratchDirectory() + QStringLiteral("/unknown.ossa");
+        const QString path = m_host.scratchPath(QStringLiteral("unknown.ossa"));
         QString error;
         QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
         QFile file(path);
@@ -467,7 +462,7 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(text);
         file.close();
-        OssDebugCapture capture;
+        m_host.clearLines();
         QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
         OssShaderNetwork *loaded =
             OssProjectManager::instance()->currentProject()->networks().first();
@@ -477,9 +472,9 @@ private slots:
         QCOMPARE(kept->pathKey(), QStringLiteral("Gone/Blur"));
         QCOMPARE(kept->inputNames(), (QStringList{"Input", "Mask"}));
         QCOMPARE(wiring(loaded), QStringList{"Blur.Input<-Perlin.Output"});
-        QVERIFY(capture.contains(QStringLiteral("[ !! ] %1: node type 'Gone/Blur' is not "
-                                                "installed: unknown node type 'Gone/Blur'")
-                                     .arg(path)));
+        QVERIFY(m_host.hasLine(QStringLiteral("[ !! ] %1: node type 'Gone/Blur' is not "
+                                              "installed: unknown node type 'Gone/Blur'")
+                                   .arg(path)));
     }
 
     void convertKeepsNameAndMatchingConnections()
@@ -509,14 +504,12 @@ private slots:
 
     void sampleProjectOpensCleanly()
     {
-        const QString path =
-            OssResourceInfo::instance()->projectPath() + QStringLiteral("/sample.ossa");
-        OssDebugCapture capture;
-        QString error;
-        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
-        QVERIFY2(capture.messages().isEmpty(), qPrintable(capture.messages().join('\n')));
+        m_host.clearLines();
+        m_network = m_host.openSample();
+        QVERIFY2(m_network, qPrintable(m_host.errorString()));
+        QVERIFY2(m_host.lines().isEmpty(), qPrintable(m_host.lines().join('\n')));
         OssProject *project = OssProjectManager::instance()->currentProject();
-        m_network = project->networks().first();
+        QCOMPARE(m_network, project->networks().first());
         QCOMPARE(m_network->geoEntity()->name(), QStringLiteral("Helmet"));
         QCOMPARE(project->entities().size(), 1);
         QCOMPARE(project->shadingGroups().size(), 2);

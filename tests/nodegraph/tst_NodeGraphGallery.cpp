@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
@@ -20,7 +20,7 @@ class tst_NodeGraphGallery : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
 
     static QImage render(QGraphicsScene &scene, const QString &name)
     {
@@ -51,6 +51,8 @@ private:
     }
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
     void portListModes()
     {
         QList<QImage> pictures;

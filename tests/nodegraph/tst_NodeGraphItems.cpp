@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
@@ -61,9 +61,13 @@ class tst_NodeGraphItems : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
+
     void edgesFollowTheirNodes()
     {
         QGraphicsScene scene;

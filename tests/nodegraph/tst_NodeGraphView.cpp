@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
@@ -42,7 +42,7 @@ class tst_NodeGraphView : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     QGraphicsScene *m_scene = nullptr;
     View *m_view = nullptr;
     OssNgExtendedNode *m_a = nullptr; // source at the top
@@ -79,6 +79,8 @@ private:
     }
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
     void init()
     {
         m_scene = new QGraphicsScene(-2000, -2000, 4000, 4000);
@@ -98,6 +100,7 @@ private slots:
     {
         delete m_view;
         delete m_scene;
+        QVERIFY2(m_host.reset(), qPrintable(m_host.errorString()));
     }
 
     void dragFromOutputToInputAsksForTheConnection()

@@ -1,7 +1,7 @@
 #include "OssPreferenceManager.h"
 #include "OssSettings.h"
 #include "OssSnNodeGraphViewContextManager.h"
-#include "OssTestEnvironment.h"
+#include "OssTestPluginHost.h"
 
 #include <QtTest>
 
@@ -12,6 +12,8 @@ class tst_NodeGraphPreferences : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
     void defaults()
     {
         Manager *manager = Manager::instance();
@@ -315,7 +317,7 @@ private:
         manager->resetNumberOfLastUsedNodePathsToStore();
     }
 
-    OssTestEnvironment m_environment;
+    OssTestPluginHost m_host;
     int *m_count = nullptr;
 };
 

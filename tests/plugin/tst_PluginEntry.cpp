@@ -1,11 +1,8 @@
-#include "OssDebug.h"
 #include "OssPluginInterface.h"
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include <OssActionTreeManager.h>
 #include <OssPalette.h>
-#include <OssProject.h>
-#include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <QFile>
@@ -61,6 +58,10 @@ class tst_PluginEntry : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
+
     void metadataBlockIsExact()
     {
         QFile file(QStringLiteral(OSS_PLUGIN_FILE));
@@ -113,9 +114,9 @@ private slots:
         QVERIFY(!plugin->authorName().isEmpty());
         QVERIFY(!plugin->legalNotice().isEmpty());
 
-        OssDebugCapture capture;
+        m_host.clearLines();
         QVERIFY(plugin->initialize());
-        QCOMPARE(capture.messages().value(0),
+        QCOMPARE(m_host.lines().value(0),
                  QStringLiteral("[ Plugin ] Shader Network - Node Graph View Context"));
 
         // Start-up made one creation action per creatable type, none for hidden folders.
@@ -132,25 +133,24 @@ private slots:
         QVERIFY(OssPaletteManager::instance()->find(QStringLiteral("Node Graph")));
 
         // An action fired while focus is outside the node graph runs on the current view.
-        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        OssShaderNetwork *network = m_host.newProject();
         QLineEdit field;
         field.show();
         field.setFocus();
         QVERIFY(QTest::qWaitForWindowExposed(&field));
         QApplication::setActiveWindow(&field);
-        OssDebugCapture fallback;
+        m_host.clearLines();
         tree->findAction(QStringLiteral("/Ossa/NodeGraph/Create/Filter/Blur"))->trigger();
-        QVERIFY(fallback.messages().value(0).startsWith(
+        QVERIFY(m_host.lines().value(0).startsWith(
             "[ !! ] Could not get the current active widget, fallback onto current nodegraph "
             "view 0x"));
         QCOMPARE(network->nodes().size(), 1);
         QCOMPARE(network->nodes().first()->pathKey(), QStringLiteral("Filter/Blur"));
-        OssProjectManager::instance()->closeProject();
         QVERIFY(plugin->uninitialize());
     }
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
 };
 
 QTEST_MAIN(tst_PluginEntry)

@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestHost.h"
 
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeCreationActions.h"
@@ -31,7 +31,7 @@ class tst_ViewContextManager : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestHost m_host;
     OssSnNodeGraphViewContextManager *manager()
     {
         return OssSnNodeGraphViewContextManager::instance();
@@ -41,6 +41,7 @@ private:
 private slots:
     void initTestCase()
     {
+        QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
         manager();
         // The palette is the window of the tab widget, as the shell shows it.
         widget()->window()->resize(800, 600);
@@ -48,7 +49,7 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(widget()->window()));
     }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     void palettesAreRegistered()
     {

@@ -1,4 +1,4 @@
-#include "OssTestEnvironment.h"
+#include "OssTestPluginHost.h"
 
 #include "OssShaderNetworkView.h"
 #include "OssSnGroupNodeGraphViewContext.h"
@@ -10,12 +10,10 @@
 #include "OssSnUINodeGraphViewContext.h"
 
 #include <OssClassFactory.h>
-#include <OssDebug.h>
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgStyle.h>
 #include <OssNgUINodes.h>
-#include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssSnBakePointNode.h>
@@ -47,12 +45,9 @@ class tst_ViewContexts : public QObject
     Q_OBJECT
 
 private:
-    OssTestEnvironment m_environment;
+    OssTestPluginHost m_host;
     OssShaderNetwork *m_network = nullptr;
-    OssSnNodeGraphViewContextManager *manager()
-    {
-        return OssSnNodeGraphViewContextManager::instance();
-    }
+    OssSnNodeGraphViewContextManager *manager() { return m_host.manager(); }
     OssNgNode *gui(OssSnBaseNode *node) { return OssSnNodeGraphViewContext::guiNodeOf(node); }
     OssSnBaseNode *make(const char *key, const char *name = nullptr)
     {
@@ -61,18 +56,18 @@ private:
     }
 
 private slots:
-    void initTestCase() { manager(); }
+    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
 
     void init()
     {
-        m_network =
-            OssProjectManager::instance()->newProject(QStringLiteral("Head"))->networks().first();
+        m_network = m_host.newProject(QStringLiteral("Head"));
+        QVERIFY(m_network);
         // The root view shows the current network, as in the shell.
         QVERIFY(manager()->currentView());
         QCOMPARE(manager()->currentView()->network(), m_network);
     }
 
-    void cleanup() { OssProjectManager::instance()->closeProject(); }
+    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     // --- loader and factories
 
@@ -286,13 +281,13 @@ private slots:
         OssSnBaseNode *b = make("Filter/Sharpen");
         gui(a)->setPos(0, 0);
         gui(b)->setPos(0, 0);
-        OssDebugCapture capture;
+        m_host.clearLines();
         manager()->currentView()->placeNode(b);
         const QRectF bounds = gui(a)->boundingRect();
         QCOMPARE(gui(b)->pos(), QPointF(float(bounds.width() + 30), float(bounds.height() + 30)));
         QCOMPARE(gui(a)->pos(), QPointF(0, 0));
-        QVERIFY(capture.lines().size() == 1);
-        QVERIFY(capture.messages().first().startsWith("[ -- ] Found overlapping node "));
+        QCOMPARE(m_host.lines().size(), 1);
+        QVERIFY(m_host.lines().first().startsWith("[ -- ] Found overlapping node "));
         // Over a backdrop only, a node stays.
         OssSnBaseNode *backdrop = make("Misc/Backdrop");
         gui(backdrop)->setPos(1000, 1000);
@@ -327,12 +322,12 @@ private slots:
             OssSnBaseNode *blocker = make("Adjust/Invert");
             gui(blocker)->setPos(-400 + i * 400, -200 + i * 200);
         }
-        OssDebugCapture capture;
+        m_host.clearLines();
         emit node->emitSetLayout(OssSnBaseNode::NodeLayoutType(type), reference, true,
                                  preventOverlap);
-        QVERIFY(capture.contains(QStringLiteral("[ -- ] Positioning node '/Head_SG/New' wrt node "
-                                                "'/Head_SG/Ref' ") +
-                                 line));
+        QVERIFY(m_host.hasLine(QStringLiteral("[ -- ] Positioning node '/Head_SG/New' wrt node "
+                                              "'/Head_SG/Ref' ") +
+                               line));
         bool overlapping = false;
         for (QGraphicsItem *item : gui(node)->collidingItems())
             overlapping = overlapping || OssNgNode::fromItem(item);
@@ -345,15 +340,15 @@ private slots:
         OssSnBaseNode *blur = make("Filter/Blur");
         OssSnBaseNode *noise = make("Procedural/Noise/Perlin");
         OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(blur);
-        OssDebugCapture capture;
+        m_host.clearLines();
         context->connectInputFromGui(noise, QStringLiteral("Input"), QString());
         context->connectInputFromGui(noise, QString(), QStringLiteral("Output"));
-        QCOMPARE(capture.messages(), (QStringList{"output point name cannot be empty : Input",
-                                                  "input name cannot be empty : Output"}));
+        QCOMPARE(m_host.lines(), (QStringList{"output point name cannot be empty : Input",
+                                              "input name cannot be empty : Output"}));
         QVERIFY(!blur->inputConnection("Input"));
-        OssDebugCapture other;
+        m_host.clearLines();
         context->copyGuiNodeStateFrom(nullptr);
-        QVERIFY(other.contains("OtherView is NULL"));
+        QVERIFY(m_host.hasLine("OtherView is NULL"));
         // Without a current view, placement requests say so and move nothing.
         manager()->nodeGraphWidget()->setCurrentIndex(-1);
         auto *scratch = new QWidget;
@@ -361,9 +356,9 @@ private slots:
         manager()->nodeGraphWidget()->setCurrentWidget(scratch);
         QVERIFY(!manager()->currentView());
         const QPointF before = gui(blur)->pos();
-        OssDebugCapture noView;
+        m_host.clearLines();
         emit blur->emitSetLayout(OssSnBaseNode::LayoutBelow, noise, true, true);
-        QCOMPARE(noView.messages().value(0), QStringLiteral("[ !! ] Fatal error -> no view!"));
+        QCOMPARE(m_host.lines().value(0), QStringLiteral("[ !! ] Fatal error -> no view!"));
         QCOMPARE(gui(blur)->pos(), before);
         delete scratch;
         manager()->nodeGraphWidget()->setCurrentIndex(0);
@@ -381,7 +376,7 @@ private slots:
         OssSnNodeGraphViewContext::of(blur)->m_inputNodeInitialPos.insert(
             "Input", {QPoint(1, -2), QPoint(3, -4)});
         gui(group)->setPos(-100, 77);
-        const QString path = m_environment.scratchDirectory() + "/gui.ossa";
+        const QString path = m_host.scratchPath("gui.ossa");
         QString error;
         QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
         QFile file(path);
@@ -392,8 +387,8 @@ private slots:
         // Entries are numbered in the hash's own order, which varies from run to run.
         QVERIFY(QString::fromUtf8(text).contains(
             QRegularExpression(QStringLiteral("map\\d+=\"Input:1,-2,3,-4\""))));
-        QVERIFY(OssProjectManager::instance()->openProject(path, &error));
-        m_network = OssProjectManager::instance()->currentProject()->networks().first();
+        m_network = m_host.openProject(path);
+        QVERIFY2(m_network, qPrintable(m_host.errorString()));
         OssSnBaseNode *loaded = m_network->node("Blur");
         QCOMPARE(gui(loaded)->pos(), QPointF(321, -45));
         QCOMPARE(OssSnNodeGraphViewContext::of(loaded)->portListModeAsInt(), 2);
@@ -551,12 +546,12 @@ private slots:
             return lines;
         };
         const QStringList before = looks();
-        const QString path = m_environment.scratchDirectory() + "/kinds-gui.ossa";
+        const QString path = m_host.scratchPath("kinds-gui.ossa");
         QString error;
         QVERIFY(OssProjectManager::instance()->saveProject(path, &error));
         OssProjectManager::instance()->closeProject();
-        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
-        m_network = OssProjectManager::instance()->currentProject()->networks().first();
+        m_network = m_host.openProject(path);
+        QVERIFY2(m_network, qPrintable(m_host.errorString()));
         const QStringList after = looks();
         for (int i = 0; i < qMin(before.size(), after.size()); ++i)
             QCOMPARE(after.at(i), before.at(i));
@@ -580,9 +575,9 @@ private slots:
         QCOMPARE(qobject_cast<OssNgUINode *>(gui(note))->label(), QStringLiteral("Remember"));
         OssSnBaseNode *dot = make("Misc/Dot");
         QVERIFY(qobject_cast<OssNgDotNode *>(gui(dot)));
-        OssDebugCapture capture;
+        m_host.clearLines();
         dot->setUserAttribute(OssCustomAttribute("BackgroundColor", QStringLiteral("1 0 0 1")));
-        QVERIFY(capture.contains("[ !! ] Invalid attribute 'BackgroundColor' on node 'Dot'"));
+        QVERIFY(m_host.hasLine("[ !! ] Invalid attribute 'BackgroundColor' on node 'Dot'"));
     }
 
     void teleportsSignalWhenTheyReachEachOther()
