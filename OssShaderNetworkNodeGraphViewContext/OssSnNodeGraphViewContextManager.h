@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssSerializableObject.h"
+#include "OssSnNodeGraphPreferences.h"
 
 #include <OssShaderNetworkManager.h>
 
@@ -104,68 +105,147 @@ public:
 public slots:
     QString controlType() const { return m_controlType; }
     void setControlType(const QString &Value);
-    void resetControlType();
-    QString controlTypeDefault() const;
-    QStringList controlTypeList() const;
-    QString controlTypeTooltip() const;
+    void resetControlType() { setControlType(controlTypeDefault()); }
+    QString controlTypeDefault() const { return defaultOf(Preferences::ControlType).toString(); }
+    QStringList controlTypeList() const { return Preferences::choices(Preferences::ControlType); }
+    QString controlTypeTooltip() const { return Preferences::toolTip(Preferences::ControlType); }
 
     QString defaultNodePortDisplayMode() const;
     int defaultNodePortDisplayModeAsEnum() const { return m_portDisplayIndex; }
     void setDefaultNodePortDisplayMode(const QString &Mode);
     void resetDefaultNodePortDisplayMode();
     QStringList defaultNodePortDisplayModeList() const { return portDisplayList(); }
-    QString defaultNodePortDisplayModeTooltip() const;
+    QString defaultNodePortDisplayModeTooltip() const
+    {
+        return Preferences::toolTip(Preferences::DefaultNodePortDisplayMode);
+    }
 
     bool isAutoInsertOn() const { return m_isAutoInsertOn; }
-    void setIsAutoInsertOn(bool Value);
-    void resetIsAutoInsertOn();
-    QString isAutoInsertOnTooltip() const;
+    void setIsAutoInsertOn(bool Value)
+    {
+        if (assign(m_isAutoInsertOn, Value))
+            emit isAutoInsertOnChanged(Value);
+    }
+    void resetIsAutoInsertOn()
+    {
+        setIsAutoInsertOn(defaultOf(Preferences::IsAutoInsertOn).toBool());
+    }
+    QString isAutoInsertOnTooltip() const
+    {
+        return Preferences::toolTip(Preferences::IsAutoInsertOn);
+    }
 
     ZoomTo zoomTo() const { return m_zoomTo; }
     int zoomToAsInt() const { return int(m_zoomTo); }
     void setZoomTo(ZoomTo Value);
-    void setZoomTo(int Value);
-    void resetZoomTo();
-    QString zoomToTooltip() const;
+    // Any int is kept as it is; readers decide what values other than Center and Cursor mean.
+    void setZoomTo(int Value) { setZoomTo(static_cast<ZoomTo>(Value)); }
+    void resetZoomTo() { setZoomTo(defaultOf(Preferences::ZoomTo).toInt()); }
+    QString zoomToTooltip() const { return Preferences::toolTip(Preferences::ZoomTo); }
 
     QString autoUpdateUpstreamMergeNodeColorspaceEnabled() const { return m_colorspaceBehaviour; }
     void setAutoUpdateUpstreamMergeNodeColorspaceEnabled(const QString &Value);
-    void resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
-    QString autoUpdateUpstreamMergeNodeColorspaceEnabledDefault() const;
-    QStringList autoUpdateUpstreamMergeNodeColorspaceEnabledList() const;
-    QString autoUpdateUpstreamMergeNodeColorspaceEnabledTooltip() const;
+    void resetAutoUpdateUpstreamMergeNodeColorspaceEnabled()
+    {
+        setAutoUpdateUpstreamMergeNodeColorspaceEnabled(
+            autoUpdateUpstreamMergeNodeColorspaceEnabledDefault());
+    }
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabledDefault() const
+    {
+        return defaultOf(Preferences::AutoUpdateUpstreamMergeNodeColorspaceEnabled).toString();
+    }
+    QStringList autoUpdateUpstreamMergeNodeColorspaceEnabledList() const
+    {
+        return Preferences::choices(Preferences::AutoUpdateUpstreamMergeNodeColorspaceEnabled);
+    }
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabledTooltip() const
+    {
+        return Preferences::toolTip(Preferences::AutoUpdateUpstreamMergeNodeColorspaceEnabled);
+    }
 
     DefaultMCMCollapsedState defaultMCMCollapsedState() const { return m_collapsedState; }
     int defaultMCMCollapsedStateAsInt() const { return int(m_collapsedState); }
     void setDefaultMCMCollapsedState(DefaultMCMCollapsedState Value);
-    void setDefaultMCMCollapsedState(int Value);
-    void resetDefaultMCMCollapsedState();
-    QString defaultMCMCollapsedStateTooltip() const;
+    void setDefaultMCMCollapsedState(int Value)
+    {
+        setDefaultMCMCollapsedState(static_cast<DefaultMCMCollapsedState>(Value));
+    }
+    void resetDefaultMCMCollapsedState()
+    {
+        setDefaultMCMCollapsedState(defaultOf(Preferences::DefaultMCMCollapsedState).toInt());
+    }
+    QString defaultMCMCollapsedStateTooltip() const
+    {
+        return Preferences::toolTip(Preferences::DefaultMCMCollapsedState);
+    }
 
     bool shakeToExtractEnabled() const { return m_shakeToExtractEnabled; }
-    void setShakeToExtractEnabled(bool Value);
-    void resetShakeToExtractEnabled();
-    void toggleShakeToExtractEnabled();
-    bool shakeToExtractEnabledDefault() const { return true; }
-    QString shakeToExtractEnabledTooltip() const;
+    void setShakeToExtractEnabled(bool Value)
+    {
+        if (assign(m_shakeToExtractEnabled, Value))
+            emit shakeToExtractEnabledChanged(Value);
+    }
+    void resetShakeToExtractEnabled() { setShakeToExtractEnabled(shakeToExtractEnabledDefault()); }
+    void toggleShakeToExtractEnabled() { setShakeToExtractEnabled(!m_shakeToExtractEnabled); }
+    bool shakeToExtractEnabledDefault() const
+    {
+        return defaultOf(Preferences::ShakeToExtractEnabled).toBool();
+    }
+    QString shakeToExtractEnabledTooltip() const
+    {
+        return Preferences::toolTip(Preferences::ShakeToExtractEnabled);
+    }
 
     int shakeToExtractShakes() const { return m_shakeToExtractShakes; }
-    void setShakeToExtractShakes(int Value);
-    void resetShakeToExtractShakes();
-    int shakeToExtractShakesDefault() const { return 4; }
-    QString shakeToExtractShakesTooltip() const;
+    void setShakeToExtractShakes(int Value)
+    {
+        if (assign(m_shakeToExtractShakes, Value))
+            emit shakeToExtractShakesChanged(Value);
+    }
+    void resetShakeToExtractShakes() { setShakeToExtractShakes(shakeToExtractShakesDefault()); }
+    int shakeToExtractShakesDefault() const
+    {
+        return defaultOf(Preferences::ShakeToExtractShakes).toInt();
+    }
+    QString shakeToExtractShakesTooltip() const
+    {
+        return Preferences::toolTip(Preferences::ShakeToExtractShakes);
+    }
 
     int shakeToExtractTime() const { return m_shakeToExtractTime; }
-    void setShakeToExtractTime(int Value);
-    void resetShakeToExtractTime();
-    int shakeToExtractTimeDefault() const { return 500; }
-    QString shakeToExtractTimeTooltip() const;
+    void setShakeToExtractTime(int Value)
+    {
+        if (assign(m_shakeToExtractTime, Value))
+            emit shakeToExtractTimeChanged(Value);
+    }
+    void resetShakeToExtractTime() { setShakeToExtractTime(shakeToExtractTimeDefault()); }
+    int shakeToExtractTimeDefault() const
+    {
+        return defaultOf(Preferences::ShakeToExtractTime).toInt();
+    }
+    QString shakeToExtractTimeTooltip() const
+    {
+        return Preferences::toolTip(Preferences::ShakeToExtractTime);
+    }
 
     int numberOfLastUsedNodePathsToStore() const { return m_numberOfLastUsedNodePaths; }
-    void setNumberOfLastUsedNodePathsToStore(int Value);
-    void resetNumberOfLastUsedNodePathsToStore();
-    int numberOfLastUsedNodePathsToStoreDefault() const { return 5; }
-    QString numberOfLastUsedNodePathsToStoreTooltip() const;
+    void setNumberOfLastUsedNodePathsToStore(int Value)
+    {
+        if (assign(m_numberOfLastUsedNodePaths, Value))
+            emit numberOfLastUsedNodePathsToStoreChanged(Value);
+    }
+    void resetNumberOfLastUsedNodePathsToStore()
+    {
+        setNumberOfLastUsedNodePathsToStore(numberOfLastUsedNodePathsToStoreDefault());
+    }
+    int numberOfLastUsedNodePathsToStoreDefault() const
+    {
+        return defaultOf(Preferences::NumberOfLastUsedNodePathsToStore).toInt();
+    }
+    QString numberOfLastUsedNodePathsToStoreTooltip() const
+    {
+        return Preferences::toolTip(Preferences::NumberOfLastUsedNodePathsToStore);
+    }
 
     void savePreferences();
     void loadPreferences();
@@ -227,10 +307,23 @@ protected slots:
                          bool ArrangeFromLeavesIfEmpty);
 
 private:
+    using Preferences = OssSnNodeGraphPreferences;
+    static QVariant defaultOf(Preferences::Preference preference)
+    {
+        return Preferences::defaultValue(preference);
+    }
+    // Stores Value in Member; true when it changed (the caller then announces it).
+    template <typename T> static bool assign(T &member, const T &value)
+    {
+        if (member == value)
+            return false;
+        member = value;
+        return true;
+    }
+
     OssSnNodeGraphViewContextManager();
     void layoutTree(OssSnBaseNode *root, QSet<OssSnBaseNode *> &laidOut,
                     const QList<class OssNgNode *> &keepClear);
-    void registerPreferences();
     void connectToHost();
     // Takes the GUI nodes (owned by their view contexts) out of a scene that is about to go.
     void releaseGuiNodes(QGraphicsScene *scene);
@@ -251,14 +344,15 @@ private:
     QPointer<QWidget> m_nodePropertiesWidget;
     OssSnNodeGraphViewContextLoader *m_loader = nullptr;
 
-    int m_portDisplayIndex = ShowPortList;
-    bool m_isAutoInsertOn = true;
-    ZoomTo m_zoomTo = Cursor;
-    QString m_controlType = QStringLiteral("Kova");
+    // The preference values; the constructor gives them their defaults from the table.
+    int m_portDisplayIndex{};
+    bool m_isAutoInsertOn{};
+    ZoomTo m_zoomTo{};
+    QString m_controlType;
     QString m_colorspaceBehaviour;
-    DefaultMCMCollapsedState m_collapsedState = StreamCollapsed;
-    bool m_shakeToExtractEnabled = true;
-    int m_shakeToExtractShakes = 4;
-    int m_shakeToExtractTime = 500;
-    int m_numberOfLastUsedNodePaths = 5;
+    DefaultMCMCollapsedState m_collapsedState{};
+    bool m_shakeToExtractEnabled{};
+    int m_shakeToExtractShakes{};
+    int m_shakeToExtractTime{};
+    int m_numberOfLastUsedNodePaths{};
 };
