@@ -1,6 +1,7 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include "OssShaderNetworkView.h"
+#include "OssSnAutoplace.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextFactories.h"
 #include "OssSnNodeGraphViewContextLoader.h"
@@ -10,8 +11,6 @@
 #include "ZelGLTextureToken.h"
 
 #include <OssDebug.h>
-#include <OssLayers.h>
-#include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgUndo.h>
 #include <OssNgView.h>
@@ -30,8 +29,6 @@
 #include <QEvent>
 #include <QGraphicsScene>
 #include <QTimer>
-
-#include <memory>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;
@@ -521,224 +518,12 @@ void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Net
     autoLayoutNodes(Network, Nodes, ArrangeFromLeavesIfEmpty);
 }
 
-namespace {
-
-constexpr qreal ColumnGap = 150.0;
-constexpr qreal RowGap = 60.0;
-constexpr qreal Clearance = 75.0;
-
-struct LayoutEntry
-{
-    QPointer<OssSnBaseNode> node;
-    QPointer<OssSnBaseNode> downstream;
-    QString input;
-};
-
-} // namespace
-
 void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNetwork,
                                                        QList<OssSnBaseNode *> StartNodes,
                                                        bool ArrangeFromLeavesIfEmpty)
 {
-    if (!StartNetwork || (StartNodes.isEmpty() && !ArrangeFromLeavesIfEmpty))
-        return;
-    const QList<OssSnBaseNode *> networkNodes = StartNetwork->nodes();
-    // Backdrops and their visible members, to refit them afterwards.
-    QList<QPair<OssNgBackdropNode *, QList<OssNgNode *>>> backdrops;
-    for (OssSnBaseNode *node : networkNodes) {
-        auto *backdrop =
-            qobject_cast<OssNgBackdropNode *>(OssSnNodeGraphViewContext::guiNodeOf(node));
-        if (!backdrop || !backdrop->isVisible())
-            continue;
-        QList<OssNgNode *> members;
-        for (QGraphicsItem *item : backdrop->nodesInside()) {
-            OssNgNode *member = OssNgNode::fromItem(item);
-            if (member && member->isVisible() && qobject_cast<OssSnBaseNode *>(member->parent()) &&
-                !qobject_cast<OssNgBackdropNode *>(member))
-                members.append(member);
-        }
-        backdrops.append({backdrop, members});
-    }
-    if (StartNodes.isEmpty()) {
-        for (OssSnBaseNode *node : networkNodes) {
-            if (node->hasTag(QStringLiteral("_viewer")))
-                continue;
-            bool leaf = true;
-            for (OssSnBaseNode *down : node->outputNodes())
-                if (!down->hasTag(QStringLiteral("_viewer")))
-                    leaf = false;
-            if (leaf && OssSnNodeGraphViewContext::guiNodeOf(node) &&
-                !qobject_cast<OssNgBackdropNode *>(OssSnNodeGraphViewContext::guiNodeOf(node)))
-                StartNodes.append(node);
-        }
-    }
-    if (StartNodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] Nothing to autoplace.");
-        return;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Layout Nodes"));
-    // Edges are adjusted once, after every node has its place (and before the index is back).
-    auto deferEdges = std::make_unique<OssNgNode::DeferEdgeUpdates>();
-    // Moving thousands of items is quadratic with a tree index (each move re-files the item);
-    // the index is rebuilt once afterwards.
-    QGraphicsScene *scene = m_scenes.value(StartNetwork);
-    const QGraphicsScene::ItemIndexMethod indexMethod =
-        scene ? scene->itemIndexMethod() : QGraphicsScene::NoIndex;
-    if (scene)
-        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    QSet<OssSnBaseNode *> laidOut;
-    // Trees laid out earlier stay clear of later ones.
-    QList<OssNgNode *> keepClear;
-    for (OssSnBaseNode *root : StartNodes) {
-        if (laidOut.contains(root))
-            continue;
-        layoutTree(root, laidOut, keepClear);
-        keepClear.clear();
-        for (OssSnBaseNode *done : qAsConst(laidOut))
-            if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(done))
-                keepClear.append(gui);
-    }
-    for (const auto &entry : qAsConst(backdrops)) {
-        OssNgBackdropNode *backdrop = entry.first;
-        if (entry.second.isEmpty())
-            continue;
-        QRectF bounds;
-        for (OssNgNode *member : entry.second)
-            bounds |= member->sceneBoundingRect();
-        const qreal margin = backdrop->titleBarHeight();
-        bounds.adjust(-margin, -2 * margin, margin, margin);
-        backdrop->savePosition();
-        backdrop->saveBoundingRect();
-        // The members are placed already: the backdrop moves alone.
-        backdrop->setRect(QRectF(bounds.topLeft() - backdrop->pos(), backdrop->nodeSize()));
-        macro.addUndo(new OssNgNodePositionChangeUndo(backdrop), false);
-        backdrop->setNodeSize(bounds.size());
-        macro.addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
-    }
-    deferEdges.reset();
-    if (scene && indexMethod == QGraphicsScene::BspTreeIndex)
-        OssNgView::useSpatialIndex(scene);
-}
-
-void OssSnNodeGraphViewContextManager::layoutTree(OssSnBaseNode *root,
-                                                  QSet<OssSnBaseNode *> &laidOut,
-                                                  const QList<OssNgNode *> &keepClear)
-{
-    // Columns by longest path from the root: a node reached again deeper moves to the deeper
-    // column.
-    QVector<QVector<LayoutEntry>> columns{{LayoutEntry{root, nullptr, QString()}}};
-    QHash<OssSnBaseNode *, int> columnOf{{root, 0}};
-    for (int c = 0; c < columns.size(); ++c) {
-        const QVector<LayoutEntry> column = columns.at(c);
-        for (const LayoutEntry &entry : column) {
-            OssSnBaseNode *node = entry.node;
-            if (!node || columnOf.value(node, -1) != c)
-                continue;
-            for (const QString &input : node->inputNames()) {
-                if (node->hasTag(QStringLiteral("_viewer")) && input == QLatin1String("ToView"))
-                    continue;
-                if (node->hasInputTag(input, QStringLiteral("_hidden")))
-                    continue;
-                OssSnBaseNode *source = node->inputConnection(input);
-                if (!source || source == root)
-                    continue;
-                const int existing = columnOf.value(source, -1);
-                if (existing >= c + 1)
-                    continue;
-                if (existing >= 0) {
-                    QVector<LayoutEntry> &old = columns[existing];
-                    for (int i = 0; i < old.size(); ++i)
-                        if (old.at(i).node == source) {
-                            old.remove(i);
-                            break;
-                        }
-                }
-                if (columns.size() <= c + 1)
-                    columns.append(QVector<LayoutEntry>());
-                columns[c + 1].append(LayoutEntry{source, node, input});
-                columnOf.insert(source, c + 1);
-            }
-        }
-    }
-    while (!columns.isEmpty()) {
-        bool live = false;
-        for (const LayoutEntry &entry : columns.last())
-            live = live || entry.node;
-        if (live)
-            break;
-        columns.removeLast();
-    }
-    QVector<qreal> widths;
-    for (const QVector<LayoutEntry> &column : qAsConst(columns)) {
-        qreal width = 0.0;
-        for (const LayoutEntry &entry : column)
-            if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(entry.node))
-                width = qMax(width, gui->sceneBoundingRect().width());
-        widths.append(width);
-    }
-    OssNgNode *rootGui = OssSnNodeGraphViewContext::guiNodeOf(root);
-    const QPointF anchor = rootGui ? rootGui->scenePos() : QPointF();
-    qreal offsetX = 0.0;
-    for (int c = 0; c < columns.size(); ++c) {
-        qreal cursor = 0.0;
-        QRectF columnRect;
-        QList<OssNgNode *> placed;
-        for (const LayoutEntry &entry : qAsConst(columns.at(c))) {
-            if (!entry.node)
-                continue;
-            laidOut.insert(entry.node);
-            OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(entry.node);
-            if (!gui)
-                continue;
-            const QRectF bounds = gui->sceneBoundingRect();
-            const qreal x = widths.at(c) * 0.5 + offsetX - bounds.width() * 0.5;
-            qreal y = cursor;
-            if (entry.node != root) {
-                qreal downstreamY = 0.0;
-                if (OssNgNode *down = OssSnNodeGraphViewContext::guiNodeOf(entry.downstream)) {
-                    downstreamY = down->scenePos().y();
-                    if (OssLayerStreamUtils::isMergeNode(entry.downstream) &&
-                        !OssLayerStreamUtils::isBaseInput(entry.downstream, entry.input))
-                        downstreamY = down->inputPortScenePos(entry.input).y();
-                }
-                y = qMax(cursor, downstreamY - anchor.y());
-            }
-            gui->savePosition();
-            gui->setPos(anchor.x() + x, anchor.y() + y);
-            OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(gui), false);
-            columnRect = columnRect.isNull() ? gui->sceneBoundingRect()
-                                             : columnRect.united(gui->sceneBoundingRect());
-            cursor = y + bounds.height() + RowGap;
-            placed.append(gui);
-        }
-        qreal shift = 0.0;
-        if (!keepClear.isEmpty() && !columnRect.isNull()) {
-            QRectF test = columnRect;
-            bool again = true;
-            while (again) {
-                again = false;
-                test.translate(shift, 0);
-                for (OssNgNode *item : keepClear) {
-                    if (placed.contains(item))
-                        continue;
-                    const QRectF other = item->sceneBoundingRect();
-                    if (other.intersects(test)) {
-                        shift = qMin(shift, other.left() - test.right() - Clearance);
-                        again = true;
-                    }
-                }
-            }
-            shift = test.left() - columnRect.left();
-        }
-        if (shift != 0.0)
-            for (OssNgNode *gui : qAsConst(placed)) {
-                const QPointF from = gui->pos();
-                gui->setPos(from.x() + shift, from.y());
-                OssUndoManager::instance()->addUndo(
-                    new OssNgNodePositionChangeUndo(gui, from, gui->pos()), false);
-            }
-        offsetX = offsetX - widths.value(c + 1) - ColumnGap + shift;
-    }
+    OssSnAutoplace::run(StartNetwork, m_scenes.value(StartNetwork), StartNodes,
+                        ArrangeFromLeavesIfEmpty);
 }
 
 void OssSnNodeGraphViewContextManager::reorderGroupInputsByPos(OssSnGroupNode *Group)

@@ -322,8 +322,6 @@ private:
     }
 
     OssSnNodeGraphViewContextManager();
-    void layoutTree(OssSnBaseNode *root, QSet<OssSnBaseNode *> &laidOut,
-                    const QList<class OssNgNode *> &keepClear);
     void connectToHost();
     // Takes the GUI nodes (owned by their view contexts) out of a scene that is about to go.
     void releaseGuiNodes(QGraphicsScene *scene);
