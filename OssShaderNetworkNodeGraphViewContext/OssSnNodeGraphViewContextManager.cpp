@@ -1,20 +1,17 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include "OssShaderNetworkView.h"
-#include "OssSnAutoplace.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextFactories.h"
 #include "OssSnNodeGraphViewContextLoader.h"
 #include "OssSnNodeGraphWidget.h"
 #include "OssSnNodePropertiesWidget.h"
+#include "OssSnSceneRegistry.h"
 #include "OssSnUINodeGraphViewContext.h"
 #include "ZelGLTextureToken.h"
 
 #include <OssDebug.h>
-#include <OssNgEdge.h>
 #include <OssNgUndo.h>
-#include <OssNgView.h>
-#include <OssObjectReferenceManager.h>
 #include <OssPalette.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
@@ -25,10 +22,7 @@
 #include <OssUndoManager.h>
 
 #include <QAction>
-#include <QCoreApplication>
-#include <QEvent>
 #include <QGraphicsScene>
-#include <QTimer>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;
@@ -43,6 +37,7 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
     : OssSerializableObject(nullptr)
 {
     setObjectName(QStringLiteral("OssSnNodeGraphViewContextManager"));
+    m_scenes = new OssSnSceneRegistry(this);
     Preferences::applyDefaults(this);
     loadPreferences();
     Preferences::registerWith(this);
@@ -57,13 +52,7 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
     initialiseNodePropertiesPalette();
 }
 
-OssSnNodeGraphViewContextManager::~OssSnNodeGraphViewContextManager()
-{
-    // Scenes go with their networks and projects; only the tables are released here.
-    m_scenes.clear();
-    m_groupNodes.clear();
-    m_viewRects.clear();
-}
+OssSnNodeGraphViewContextManager::~OssSnNodeGraphViewContextManager() = default;
 
 void OssSnNodeGraphViewContextManager::connectToHost()
 {
@@ -140,56 +129,6 @@ QWidget *OssSnNodeGraphViewContextManager::nodePropertiesWidget() const
     return m_nodePropertiesWidget.data();
 }
 
-void OssSnNodeGraphViewContextManager::registerGroupNetwork(OssShaderNetwork *network,
-                                                            OssSnGroupNode *group)
-{
-    m_groupNodes.insert(network, group);
-}
-
-OssSnGroupNode *
-OssSnNodeGraphViewContextManager::groupNodeOfNetwork(OssShaderNetwork *network) const
-{
-    return m_groupNodes.value(network).data();
-}
-
-QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwork *network)
-{
-    if (!network)
-        return nullptr;
-    if (QGraphicsScene *scene = m_scenes.value(network))
-        return scene;
-    auto *scene = new QGraphicsScene;
-    // Filled without a spatial index (a network being loaded puts thousands of nodes at one
-    // spot first, which a tree index handles in quadratic time); the view that shows the scene
-    // turns the index on.
-    scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    connect(network, SIGNAL(destroyed(QObject *)), this, SLOT(onShaderNetworkDestroyed(QObject *)));
-    m_scenes.insert(network, scene);
-    return scene;
-}
-
-void OssSnNodeGraphViewContextManager::showNetworkInView(OssShaderNetwork *network,
-                                                         OssShaderNetworkView *view)
-{
-    if (!view)
-        return;
-    if (OssShaderNetwork *shown = view->network())
-        m_viewRects.insert(shown, view->viewportInSceneCoords());
-    view->setNetwork(network);
-    view->setScene(sceneForNetwork(network));
-    view->init();
-    if (!network)
-        return;
-    if (m_viewRects.contains(network)) {
-        view->fitInView(m_viewRects.value(network), Qt::AspectRatioMode(1));
-        return;
-    }
-    view->frameNodes(true);
-    m_viewRects.insert(network, view->viewportInSceneCoords());
-    connect(network, SIGNAL(destroyed(QObject *)), this, SLOT(onNetworkDestroyed(QObject *)),
-            Qt::UniqueConnection);
-}
-
 void OssSnNodeGraphViewContextManager::groupInputOutputMoved(OssSnGroupNode *group, OssSnBaseNode *,
                                                              bool input)
 {
@@ -217,141 +156,6 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkAdded(OssShaderNetwork *Ne
     OssShaderNetworkManager::instance()->refreshGraph(Network);
 }
 
-void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Network,
-                                                        OssSnBaseNode *Node)
-{
-    if (!Network) {
-        OSS_DEBUG("Network is NULL");
-        return;
-    }
-    if (!Node) {
-        OSS_DEBUG("Node is NULL");
-        return;
-    }
-    QGraphicsScene *scene = sceneForNetwork(Network);
-    if (!scene) {
-        OSS_DEBUG("Scene is NULL");
-        return;
-    }
-    OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Node);
-    if (!gui)
-        return;
-    if (gui->scene() != scene)
-        scene->addItem(gui);
-    for (OssNgEdge *edge : gui->inputs() + gui->outputs())
-        if (edge->scene() != scene)
-            scene->addItem(edge);
-    m_scenesWithNewItems.insert(scene);
-}
-
-void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Network,
-                                                          OssSnBaseNode *Node)
-{
-    if (!Network) {
-        OSS_DEBUG("Network is NULL");
-        return;
-    }
-    if (!Node) {
-        OSS_DEBUG("Node is NULL");
-        return;
-    }
-    QGraphicsScene *scene = m_scenes.value(Network);
-    if (m_scenes.isEmpty() || !scene)
-        return;
-    Node->emitRemovedFromNetwork();
-    OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Node);
-    if (!gui)
-        return;
-    flushPendingPolish(scene);
-    noteRemoval(scene);
-    // Removed, not deleted: the view context owns them.
-    if (gui->scene() == scene)
-        scene->removeItem(gui);
-    for (OssNgEdge *edge : gui->inputs() + gui->outputs())
-        if (edge->scene() == scene)
-            scene->removeItem(edge);
-    gui->removeTemporaryOutputEdge();
-    gui->removeVirtualInputEdge();
-}
-
-void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
-{
-    QGraphicsScene *scene = nullptr;
-    for (auto it = m_scenes.begin(); it != m_scenes.end(); ++it)
-        if (static_cast<QObject *>(it.key()) == Obj) {
-            scene = it.value();
-            m_scenes.erase(it);
-            break;
-        }
-    if (!scene) {
-        if (!m_scenes.isEmpty())
-            OSS_DEBUG("Failed to find scene for network");
-        return;
-    }
-    releaseGuiNodes(scene);
-    delete scene;
-}
-
-void OssSnNodeGraphViewContextManager::releaseGuiNodes(QGraphicsScene *scene)
-{
-    flushPendingPolish(scene);
-    // Without an index, taking items out is cheap when it goes from the bottom of the stacking
-    // order up: the scene finds each item at the front of its list instead of searching the
-    // whole list for it.
-    scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    m_removalsThisTurn.remove(scene);
-    m_unindexedForBulkRemoval.removeAll(scene);
-    for (QGraphicsItem *item : scene->items(Qt::AscendingOrder))
-        if (OssNgNode *node = OssNgNode::fromItem(item))
-            if (qobject_cast<OssSnBaseNode *>(node->parent()))
-                scene->removeItem(node);
-}
-
-void OssSnNodeGraphViewContextManager::noteRemoval(QGraphicsScene *scene)
-{
-    // A spatial index pays for each removal in every cell the item covered, and long edges cover
-    // many: removing thousands of nodes (deleting a big selection, undoing a paste) took seconds.
-    // From the BulkRemovals-th removal in one turn of the event loop on, the scene goes without
-    // an index; the index is rebuilt once, when the loop turns again.
-    constexpr int BulkRemovals = 64;
-    if (m_removalsThisTurn.isEmpty())
-        QTimer::singleShot(0, this, &OssSnNodeGraphViewContextManager::endBulkRemovals);
-    int &count = m_removalsThisTurn[scene];
-    if (++count == BulkRemovals && scene->itemIndexMethod() == QGraphicsScene::BspTreeIndex) {
-        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-        m_unindexedForBulkRemoval.append(scene);
-    }
-}
-
-void OssSnNodeGraphViewContextManager::endBulkRemovals()
-{
-    m_removalsThisTurn.clear();
-    for (const QPointer<QGraphicsScene> &scene : qAsConst(m_unindexedForBulkRemoval))
-        if (scene)
-            OssNgView::useSpatialIndex(scene);
-    m_unindexedForBulkRemoval.clear();
-}
-
-void OssSnNodeGraphViewContextManager::flushPendingPolish(QGraphicsScene *scene)
-{
-    // A scene keeps the items added since its last turn of the event loop in a list it searches
-    // on every removal. Removing many of them before the loop turns (undo of a removal, then
-    // redo, in one go) would search that list once per item: the scene's queued call that
-    // empties the list is delivered first.
-    if (m_scenesWithNewItems.remove(scene))
-        QCoreApplication::sendPostedEvents(scene, QEvent::MetaCall);
-}
-
-void OssSnNodeGraphViewContextManager::onNetworkDestroyed(QObject *Obj)
-{
-    for (auto it = m_viewRects.begin(); it != m_viewRects.end();) {
-        if (static_cast<QObject *>(it.key()) == Obj)
-            it = m_viewRects.erase(it);
-        else
-            ++it;
-    }
-}
-
 void OssSnNodeGraphViewContextManager::onProjectClosing()
 {
     // Views let go of the scenes before they go.
@@ -361,13 +165,7 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
                 view->setScene(nullptr);
                 view->setNetwork(nullptr);
             }
-    // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
-    // before the scenes are deleted.
-    for (QGraphicsScene *scene : qAsConst(m_scenes))
-        releaseGuiNodes(scene);
-    qDeleteAll(m_scenes);
-    m_scenes.clear();
-    m_groupNodes.clear();
+    m_scenes->releaseAll();
 }
 
 void OssSnNodeGraphViewContextManager::onProjectOpenCompleted()
@@ -395,15 +193,10 @@ void OssSnNodeGraphViewContextManager::onAfterShaderNetworkEndCollection(OssShad
 void OssSnNodeGraphViewContextManager::onProjectMadeCurrentUpgradeOldBadBackdrops(
     OssProject *Project)
 {
-    if (!Project)
-        return;
-    for (OssShadingGroup *group : Project->shadingGroups())
-        if (OssShaderNetwork *network =
-                OssShaderNetworkManager::instance()->getShaderNetwork(group))
-            for (OssSnBaseNode *node : network->getAllNodes())
-                if (auto *context = qobject_cast<OssSnUINodeGraphViewContext *>(
-                        node->context(QStringLiteral("NodeGraphView"))))
-                    context->upgradeOldBadBackdrop();
+    for (OssSnBaseNode *node : nodesOfProject(Project))
+        if (auto *context = qobject_cast<OssSnUINodeGraphViewContext *>(
+                node->context(QStringLiteral("NodeGraphView"))))
+            context->upgradeOldBadBackdrop();
 }
 
 void OssSnNodeGraphViewContextManager::focusOnNode(OssSnBaseNode *Node)
@@ -434,46 +227,55 @@ void OssSnNodeGraphViewContextManager::matchNodePosition(OssSnBaseNode *From, Os
     OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(to), false);
 }
 
+OssSnNodePropertiesWidget *OssSnNodeGraphViewContextManager::propertiesPanel() const
+{
+    return qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data());
+}
+
 void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionEnd(OssSnBaseNode *Node,
                                                                        OssSnBaseNode *Target,
                                                                        bool Undo)
 {
-    if (auto *panel = qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data()))
-        if (Node && Target)
-            panel->showNodePropertiesAtPositionEnd(Node, Target, Undo);
+    if (propertiesPanel() && Node && Target)
+        propertiesPanel()->showNodePropertiesAtPositionEnd(Node, Target, Undo);
 }
 
 void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionBegin(OssSnBaseNode *Node,
                                                                          OssSnBaseNode *Target,
                                                                          bool Undo)
 {
-    if (auto *panel = qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data()))
-        if (Node && Target)
-            panel->showNodePropertiesAtPositionBegin(Node, Target, Undo);
+    if (propertiesPanel() && Node && Target)
+        propertiesPanel()->showNodePropertiesAtPositionBegin(Node, Target, Undo);
 }
 
 void OssSnNodeGraphViewContextManager::showNodeProperties(OssSnBaseNode *Node)
 {
-    if (auto *panel = qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data()))
-        panel->showNodeProperties(Node);
+    if (propertiesPanel())
+        propertiesPanel()->showNodeProperties(Node);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout()
+OssShaderNetworkView *OssSnNodeGraphViewContextManager::currentPageView() const
 {
     if (!m_nodeGraphWidget) {
         OSS_DEBUG("GraphWidget is NULL");
-        return;
+        return nullptr;
     }
     QWidget *page = m_nodeGraphWidget->currentWidget();
     if (!page) {
         OSS_DEBUG("PageWidget is NULL");
-        return;
+        return nullptr;
     }
     auto *view = qobject_cast<OssShaderNetworkView *>(page);
-    if (!view) {
+    if (!view)
         OSS_DEBUG("GraphView is NULL");
+    return view;
+}
+
+void OssSnNodeGraphViewContextManager::beautifyNodesLayout()
+{
+    OssShaderNetworkView *view = currentPageView();
+    if (!view)
         return;
-    }
     if (!view->network()) {
         OSS_DEBUG("Network is NULL");
         return;
@@ -504,143 +306,6 @@ void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Net
     autoLayoutNodes(Network, {Node}, false);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           QList<OssSnBaseNode *> Nodes)
-{
-    beautifyNodesLayout(Network, Nodes, false);
-}
-
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           QList<OssSnBaseNode *> Nodes,
-                                                           bool ArrangeFromLeavesIfEmpty)
-{
-    Nodes.removeAll(nullptr);
-    autoLayoutNodes(Network, Nodes, ArrangeFromLeavesIfEmpty);
-}
-
-void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNetwork,
-                                                       QList<OssSnBaseNode *> StartNodes,
-                                                       bool ArrangeFromLeavesIfEmpty)
-{
-    OssSnAutoplace::run(StartNetwork, m_scenes.value(StartNetwork), StartNodes,
-                        ArrangeFromLeavesIfEmpty);
-}
-
-void OssSnNodeGraphViewContextManager::reorderGroupInputsByPos(OssSnGroupNode *Group)
-{
-    if (!Group)
-        return;
-    // The group's inputs follow its input nodes from left to right.
-    QList<OssSnBaseNode *> inputs = Group->groupInputNodes();
-    std::stable_sort(inputs.begin(), inputs.end(), [](OssSnBaseNode *a, OssSnBaseNode *b) {
-        const OssNgNode *ga = OssSnNodeGraphViewContext::guiNodeOf(a);
-        const OssNgNode *gb = OssSnNodeGraphViewContext::guiNodeOf(b);
-        return ga && gb && ga->pos().x() < gb->pos().x();
-    });
-    QStringList order;
-    for (OssSnBaseNode *node : inputs)
-        order.append(node->name());
-    for (const QString &name : Group->inputNames())
-        if (!order.contains(name))
-            order.append(name);
-    Group->reorderInputs(order);
-}
-
-void OssSnNodeGraphViewContextManager::reorderGroupOutputsByPos(OssSnGroupNode *)
-{
-    // Output order is fixed by the group's definition; nothing to reorder.
-}
-
-void OssSnNodeGraphViewContextManager::arrangeGroupInputNodesByOrder(OssShaderNetwork *Network,
-                                                                     QStringList Order)
-{
-    // Input nodes are spaced evenly from left to right in the given order, on the row of the
-    // highest of them.
-    if (!Network)
-        return;
-    QList<OssNgNode *> nodes;
-    for (const QString &name : Order)
-        if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Network->node(name)))
-            nodes.append(gui);
-    if (nodes.isEmpty())
-        return;
-    qreal top = nodes.first()->pos().y();
-    qreal left = nodes.first()->pos().x();
-    for (OssNgNode *gui : nodes) {
-        top = qMin(top, gui->pos().y());
-        left = qMin(left, gui->pos().x());
-    }
-    for (OssNgNode *gui : nodes) {
-        gui->setPos(left, top);
-        left += gui->boundingRect().width() + 30;
-    }
-}
-
-void OssSnNodeGraphViewContextManager::onDebugNodesChanged(OssDebugNodeColours rNewNodes,
-                                                           OssDebugInputColours rNewInputs,
-                                                           OssDebugNodeColours rOldNodes,
-                                                           OssDebugInputColours rOldInputs)
-{
-    OssObjectReferenceManager *references = OssObjectReferenceManager::instance();
-    const auto guiOf = [references](const QString &reference) {
-        return OssSnNodeGraphViewContext::guiNodeOf(
-            qobject_cast<OssSnBaseNode *>(references->getPointer(reference)));
-    };
-    for (auto it = rOldNodes.cbegin(); it != rOldNodes.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key()))
-            gui->setDebug(false);
-    for (auto it = rOldInputs.cbegin(); it != rOldInputs.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key()))
-            for (auto input = it.value().cbegin(); input != it.value().cend(); ++input)
-                if (OssNgEdge *edge = gui->input(input.key()))
-                    edge->setDebug(false);
-    for (auto it = rNewNodes.cbegin(); it != rNewNodes.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key())) {
-            gui->setDebugColor(it.value());
-            gui->setDebug(true);
-        }
-    for (auto it = rNewInputs.cbegin(); it != rNewInputs.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key()))
-            for (auto input = it.value().cbegin(); input != it.value().cend(); ++input)
-                if (OssNgEdge *edge = gui->input(input.key())) {
-                    edge->setDebugColor(input.value());
-                    edge->setDebug(true);
-                }
-}
-
-void OssSnNodeGraphViewContextManager::highlightCurrentImageSetNode(OssChannel *pImageSet)
-{
-    if (!pImageSet)
-        return;
-    OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
-    if (!network) {
-        OSS_DEBUG("pNetwork is NULL");
-        return;
-    }
-    OssShaderNetwork *root = network->rootNetwork();
-    if (!root) {
-        OSS_DEBUG("pRootNetwork is NULL");
-        return;
-    }
-    for (OssSnBaseNode *node : root->getAllNodes()) {
-        auto *paint = qobject_cast<OssSnChannelInputNode *>(node);
-        OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
-        if (!paint || !gui)
-            continue;
-        gui->setHighlighted(paint->imageSet() == pImageSet);
-        gui->update();
-    }
-}
-
-void OssSnNodeGraphViewContextManager::onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver,
-                                                                    OssSnBaseNode *OldMouseOver)
-{
-    if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(MouseOver))
-        gui->setHovered(true);
-    if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(OldMouseOver))
-        gui->setHovered(false);
-}
-
 void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
 {
     if (!sender()) {
@@ -652,20 +317,9 @@ void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
         OSS_DEBUG("Action is NULL");
         return;
     }
-    if (!m_nodeGraphWidget) {
-        OSS_DEBUG("GraphWidget is NULL");
+    OssShaderNetworkView *view = currentPageView();
+    if (!view)
         return;
-    }
-    QWidget *page = m_nodeGraphWidget->currentWidget();
-    if (!page) {
-        OSS_DEBUG("PageWidget is NULL");
-        return;
-    }
-    auto *view = qobject_cast<OssShaderNetworkView *>(page);
-    if (!view) {
-        OSS_DEBUG("GraphView is NULL");
-        return;
-    }
     OssShaderNetwork *network = view->network();
     if (!network) {
         OSS_DEBUG("Network is NULL");
@@ -813,15 +467,19 @@ void OssSnNodeGraphViewContextManager::setDefaultMCMCollapsedState(DefaultMCMCol
 
 void OssSnNodeGraphViewContextManager::updatePortVisibility()
 {
-    OssProject *project = OssProjectManager::instance()->currentProject();
+    for (OssSnBaseNode *node : nodesOfProject(OssProjectManager::instance()->currentProject()))
+        if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))
+            context->applyPortVisibility();
+}
+
+QList<OssSnBaseNode *> OssSnNodeGraphViewContextManager::nodesOfProject(OssProject *project)
+{
+    QList<OssSnBaseNode *> nodes;
     if (!project)
-        return;
-    for (OssShadingGroup *group : project->shadingGroups()) {
-        OssShaderNetwork *network = OssShaderNetworkManager::instance()->getShaderNetwork(group);
-        if (!network)
-            continue;
-        for (OssSnBaseNode *node : network->getAllNodes())
-            if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))
-                context->applyPortVisibility();
-    }
+        return nodes;
+    for (OssShadingGroup *group : project->shadingGroups())
+        if (OssShaderNetwork *network =
+                OssShaderNetworkManager::instance()->getShaderNetwork(group))
+            nodes += network->getAllNodes();
+    return nodes;
 }

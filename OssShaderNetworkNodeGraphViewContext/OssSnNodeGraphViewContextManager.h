@@ -1,16 +1,17 @@
 #pragma once
 
 #include "OssSerializableObject.h"
+#include "OssSnAutoplace.h"
+#include "OssSnGroupPortOrder.h"
 #include "OssSnNodeGraphPreferences.h"
+#include "OssSnNodeHighlights.h"
+#include "OssSnSceneRegistry.h"
 
 #include <OssShaderNetworkManager.h>
 
 #include <QColor>
-#include <QHash>
-#include <QMap>
 #include <QPointer>
 #include <QRectF>
-#include <QSet>
 #include <QStringList>
 
 class OssChannel;
@@ -21,10 +22,14 @@ class OssSnBaseNode;
 class OssSnGroupNode;
 class OssSnNodeGraphViewContextLoader;
 class OssSnNodeGraphWidget;
+class OssSnNodePropertiesWidget;
 class QGraphicsScene;
 
-// The one process-wide object that ties the node graph to the host: scenes per network, the two
-// palettes, the host's network, node and project signals, and the node-graph preferences.
+// The one process-wide object that ties the node graph to the host: it answers the host's
+// network, node and project signals, hosts the two palettes and carries the node-graph
+// preferences as properties. The work is done by the scene registry (OssSnSceneRegistry),
+// Autoplace (OssSnAutoplace), the preference table (OssSnNodeGraphPreferences), the group port
+// order (OssSnGroupPortOrder) and the node highlights (OssSnNodeHighlights).
 class OssSnNodeGraphViewContextManager : public OssSerializableObject
 {
     Q_OBJECT
@@ -85,15 +90,28 @@ public:
     OssShaderNetworkView *currentView() const;
     OssSnNodeGraphWidget *nodeGraphWidget() const;
     QWidget *nodePropertiesWidget() const;
-    void registerGroupNetwork(OssShaderNetwork *network, OssSnGroupNode *group);
-    OssSnGroupNode *groupNodeOfNetwork(OssShaderNetwork *network) const;
+    void registerGroupNetwork(OssShaderNetwork *network, OssSnGroupNode *group)
+    {
+        m_scenes->registerGroupNetwork(network, group);
+    }
+    OssSnGroupNode *groupNodeOfNetwork(OssShaderNetwork *network) const
+    {
+        return m_scenes->groupNodeOfNetwork(network);
+    }
     // The scene of a network, made on first need; null for a null network.
-    QGraphicsScene *sceneForNetwork(OssShaderNetwork *network);
-    bool hasScene(OssShaderNetwork *network) const { return m_scenes.contains(network); }
-    int sceneCount() const { return m_scenes.size(); }
-    QRectF viewRect(OssShaderNetwork *network) const { return m_viewRects.value(network); }
+    QGraphicsScene *sceneForNetwork(OssShaderNetwork *network)
+    {
+        return m_scenes->sceneForNetwork(network);
+    }
+    bool hasScene(OssShaderNetwork *network) const { return m_scenes->hasScene(network); }
+    int sceneCount() const { return m_scenes->sceneCount(); }
+    // The part of a network's scene the root view showed when it last left the network.
+    QRectF viewRect(OssShaderNetwork *network) const { return m_scenes->viewRect(network); }
     // Binds a view to a network, restoring the part of the graph it showed last time.
-    void showNetworkInView(OssShaderNetwork *network, OssShaderNetworkView *view);
+    void showNetworkInView(OssShaderNetwork *network, OssShaderNetworkView *view)
+    {
+        m_scenes->showNetworkInView(network, view);
+    }
     // An input or output node inside a group moved: the group's ports follow its order.
     void groupInputOutputMoved(OssSnGroupNode *group, OssSnBaseNode *node, bool input);
 
@@ -264,23 +282,52 @@ public slots:
     void beautifyNodesLayout();
     void beautifyNodesLayout(OssShaderNetwork *Network);
     void beautifyNodesLayout(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes);
+    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes)
+    {
+        beautifyNodesLayout(Network, Nodes, false);
+    }
     void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes,
-                             bool ArrangeFromLeavesIfEmpty);
-    void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    void reorderGroupInputsByPos(OssSnGroupNode *Group);
-    void reorderGroupOutputsByPos(OssSnGroupNode *Group);
-    void arrangeGroupInputNodesByOrder(OssShaderNetwork *Network, QStringList Order);
+                             bool ArrangeFromLeavesIfEmpty)
+    {
+        Nodes.removeAll(nullptr);
+        autoLayoutNodes(Network, Nodes, ArrangeFromLeavesIfEmpty);
+    }
+    void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node)
+    {
+        m_scenes->onNodeRegistered(Network, Node);
+    }
+    void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node)
+    {
+        m_scenes->onNodeDeregistered(Network, Node);
+    }
+    void reorderGroupInputsByPos(OssSnGroupNode *Group)
+    {
+        OssSnGroupPortOrder::reorderInputsByPosition(Group);
+    }
+    // Output order is fixed by the group's definition; nothing to reorder.
+    void reorderGroupOutputsByPos(OssSnGroupNode *) {}
+    void arrangeGroupInputNodesByOrder(OssShaderNetwork *Network, QStringList Order)
+    {
+        OssSnGroupPortOrder::arrangeInputNodes(Network, Order);
+    }
     void onDebugNodesChanged(OssDebugNodeColours rNewNodes, OssDebugInputColours rNewInputs,
-                             OssDebugNodeColours rOldNodes, OssDebugInputColours rOldInputs);
-    void highlightCurrentImageSetNode(OssChannel *pImageSet);
+                             OssDebugNodeColours rOldNodes, OssDebugInputColours rOldInputs)
+    {
+        OssSnNodeHighlights::showDebugColours(rNewNodes, rNewInputs, rOldNodes, rOldInputs);
+    }
+    void highlightCurrentImageSetNode(OssChannel *pImageSet)
+    {
+        OssSnNodeHighlights::highlightChannel(pImageSet);
+    }
     void onProjectClosing();
     void onProjectOpenCompleted();
     void onProjectMadeCurrentUpgradeOldBadBackdrops(OssProject *Project);
-    void onShaderNetworkDestroyed(QObject *Obj);
-    void onNetworkDestroyed(QObject *Obj);
-    void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
+    void onShaderNetworkDestroyed(QObject *Obj) { m_scenes->onShaderNetworkDestroyed(Obj); }
+    void onNetworkDestroyed(QObject *Obj) { m_scenes->onNetworkDestroyed(Obj); }
+    void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver)
+    {
+        OssSnNodeHighlights::showHover(MouseOver, OldMouseOver);
+    }
     void onNodeCollapsedModeChanged();
     void showPropertiesPalette();
     void showNodeGraphPalette();
@@ -304,7 +351,11 @@ signals:
 
 protected slots:
     void autoLayoutNodes(OssShaderNetwork *StartNetwork, QList<OssSnBaseNode *> StartNodes,
-                         bool ArrangeFromLeavesIfEmpty);
+                         bool ArrangeFromLeavesIfEmpty)
+    {
+        OssSnAutoplace::run(StartNetwork, m_scenes->scene(StartNetwork), StartNodes,
+                            ArrangeFromLeavesIfEmpty);
+    }
 
 private:
     using Preferences = OssSnNodeGraphPreferences;
@@ -323,21 +374,14 @@ private:
 
     OssSnNodeGraphViewContextManager();
     void connectToHost();
-    // Takes the GUI nodes (owned by their view contexts) out of a scene that is about to go.
-    void releaseGuiNodes(QGraphicsScene *scene);
-    void flushPendingPolish(QGraphicsScene *scene);
-    void noteRemoval(QGraphicsScene *scene);
-    void endBulkRemovals();
+    // The node graph widget's current page as a view; null, with a debug line, when any of them
+    // is missing.
+    OssShaderNetworkView *currentPageView() const;
+    OssSnNodePropertiesWidget *propertiesPanel() const;
+    // Every node of every shading group's network of a project, those inside groups included.
+    static QList<OssSnBaseNode *> nodesOfProject(OssProject *project);
 
-    QHash<OssShaderNetwork *, QGraphicsScene *> m_scenes;
-    // Scenes that got items since their queued polish call was last delivered.
-    QSet<QGraphicsScene *> m_scenesWithNewItems;
-    // GUI nodes taken out of each scene since the event loop last turned, and the scenes that
-    // went without a spatial index for it.
-    QHash<QGraphicsScene *, int> m_removalsThisTurn;
-    QList<QPointer<QGraphicsScene>> m_unindexedForBulkRemoval;
-    QHash<OssShaderNetwork *, QPointer<OssSnGroupNode>> m_groupNodes;
-    QHash<OssShaderNetwork *, QRectF> m_viewRects;
+    OssSnSceneRegistry *m_scenes = nullptr;
     QPointer<OssSnNodeGraphWidget> m_nodeGraphWidget;
     QPointer<QWidget> m_nodePropertiesWidget;
     OssSnNodeGraphViewContextLoader *m_loader = nullptr;
