@@ -325,9 +325,11 @@ void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
         OSS_DEBUG("Network is NULL");
         return;
     }
+    // The actions are named after the collapsed states; stream collapsed is for multi-channel
+    // nodes and shaders only.
     const int mode = action->property("Mode").toInt();
     for (OssSnBaseNode *node : network->selectedNodes()) {
-        if (mode == 1 && !qobject_cast<OssSnMultiChannelGroupNode *>(node) &&
+        if (mode == StreamCollapsed && !qobject_cast<OssSnMultiChannelGroupNode *>(node) &&
             !node->hasTag(QStringLiteral("_shader")))
             continue;
         if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))

@@ -62,7 +62,7 @@ void OssSnSceneRegistry::showNetworkInView(OssShaderNetwork *network, OssShaderN
     if (!network)
         return;
     if (m_viewRects.contains(network)) {
-        view->fitInView(m_viewRects.value(network), Qt::AspectRatioMode(1));
+        view->fitInView(m_viewRects.value(network), Qt::KeepAspectRatio);
         return;
     }
     view->frameNodes(true);
