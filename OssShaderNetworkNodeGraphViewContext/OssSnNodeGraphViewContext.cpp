@@ -49,8 +49,10 @@ OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withG
     if (!parent)
         return;
     m_portListMode =
-        OssSnNodeGraphViewContextManager::instance()->defaultNodePortDisplayModeAsEnum() == 1 ? 1
-                                                                                              : 0;
+        OssSnNodeGraphViewContextManager::instance()->defaultNodePortDisplayModeAsEnum() ==
+                OssSnNodeGraphViewContextManager::NoPortList
+            ? OssNgExtendedNode::PortListHidden
+            : OssNgExtendedNode::PortListShown;
     if (withGui)
         adoptGuiNode(createGuiNode());
 }
@@ -97,7 +99,7 @@ OssNgNode *OssSnNodeGraphViewContext::createGuiNode()
     gui->setMark(OssNgExtendedNode::SystemShaderMark,
                  OssLayerShaderManager::isSystemShaderNode(node, true));
     gui->setMark(OssNgExtendedNode::FirstStateMark, false);
-    gui->setMark(OssNgExtendedNode::CachedMark, node->cacheActive() == 2);
+    gui->setMark(OssNgExtendedNode::CachedMark, node->cacheActive() == OssSnCacheActive);
     gui->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
     gui->setMark(OssNgExtendedNode::ExtraMark1, false);
     gui->setMark(OssNgExtendedNode::ExtraMark2, false);
@@ -146,30 +148,30 @@ void OssSnNodeGraphViewContext::setPortListMode(OssNgExtendedNode::PortListMode 
 
 void OssSnNodeGraphViewContext::setPortListMode(int mode)
 {
-    if (mode >= 0 && mode <= 4)
+    if (mode >= OssNgExtendedNode::PortListShown && mode <= OssNgExtendedNode::PortListExpanded)
         setPortListMode(OssNgExtendedNode::PortListMode(mode));
 }
 
 void OssSnNodeGraphViewContext::resetPortListMode()
 {
-    setPortListMode(0);
+    setPortListMode(OssNgExtendedNode::PortListShown);
 }
 
 void OssSnNodeGraphViewContext::setPortListMode(
     OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState state)
 {
-    switch (int(state)) {
-    case 0:
-        setPortListMode(0);
+    switch (state) {
+    case OssSnNodeGraphViewContextManager::Expanded:
+        setPortListMode(OssNgExtendedNode::PortListShown);
         break;
-    case 2:
-        setPortListMode(3);
+    case OssSnNodeGraphViewContextManager::ConnectedOnly:
+        setPortListMode(OssNgExtendedNode::PortListConnected);
         break;
-    case 3:
-        setPortListMode(4);
+    case OssSnNodeGraphViewContextManager::Collapsed:
+        setPortListMode(OssNgExtendedNode::PortListExpanded);
         break;
     default:
-        setPortListMode(2);
+        setPortListMode(OssNgExtendedNode::PortListFolded);
         break;
     }
 }
@@ -535,7 +537,8 @@ void OssSnNodeGraphViewContext::updateGuiEdgesBypassStates()
 void OssSnNodeGraphViewContext::cachedChanged()
 {
     if (OssNgExtendedNode *extended = extendedNode())
-        extended->setMark(OssNgExtendedNode::CachedMark, parentNode()->cacheActive() == 2);
+        extended->setMark(OssNgExtendedNode::CachedMark,
+                          parentNode()->cacheActive() == OssSnCacheActive);
 }
 
 void OssSnNodeGraphViewContext::onGuiNodeInputChange(OssNgNode *newInput, QString inputName,
@@ -772,11 +775,11 @@ void OssSnNodeGraphViewContext::onSetLayout(OssSnBaseNode::NodeLayoutType Type,
         return;
     OssSnBaseNode *node = parentNode();
     const int type = int(Type);
-    if (type == 0) {
+    if (type == OssSnBaseNode::LayoutAtFreeSpot) {
         view->positionNodeAtFreeSpot(node);
         return;
     }
-    if (type == 9) {
+    if (type == OssSnBaseNode::LayoutBesideReference) {
         view->positionNodeBesideReference(node, ReferenceNode);
         return;
     }
@@ -784,16 +787,16 @@ void OssSnNodeGraphViewContext::onSetLayout(OssSnBaseNode::NodeLayoutType Type,
                                       {3, 0}, {2, 0}, {-1, 0}, {0, 0},  {0, 0},  {1, -1}};
     static const int flipped[12][2] = {{0, 0}, {1, 0}, {0, 2},  {1, -1}, {-1, 1}, {2, 0},
                                        {0, 3}, {0, 2}, {0, -1}, {0, 0},  {0, 0},  {-1, 0}};
-    const bool flip = portListModeAsInt() == 1;
+    const bool flip = portListModeAsInt() == OssNgExtendedNode::PortListHidden;
     int column = 0, row = 0;
-    if (type >= 1 && type <= 11) {
+    if (type >= OssSnBaseNode::LayoutBelow && type <= OssSnBaseNode::LayoutAboveRightOfStream) {
         column = flip ? flipped[type][0] : normal[type][0];
         row = flip ? flipped[type][1] : normal[type][1];
     }
     OSS_DEBUG("[ -- ] Positioning node '%s' wrt node '%s' at (%d, %d)", qPrintable(node->path()),
               ReferenceNode ? qPrintable(ReferenceNode->path()) : "", column, row);
     view->positionNodeOnGrid(node, ReferenceNode, column, row, FreshCoordinates);
-    if (PreventOverlap || type == 2)
+    if (PreventOverlap || type == OssSnBaseNode::LayoutRightFar)
         view->placeNode(node);
 }
 

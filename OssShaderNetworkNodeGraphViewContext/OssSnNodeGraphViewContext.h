@@ -175,7 +175,7 @@ protected:
     int m_shapeType = 0;
     QString m_nodeColorTop;
     QString m_nodeColorBottom;
-    int m_portListMode = 0;
+    int m_portListMode = OssNgExtendedNode::PortListShown;
     QString m_pixmapPath;
     QPoint m_pixmapOffset;
     OssSnInitialPositionMap m_inputPositions;
