@@ -77,17 +77,12 @@ OssSnNodeGraphViewContext *OssSnNodeGraphViewContext::of(const OssSnBaseNode *no
 OssNgNode *OssSnNodeGraphViewContext::guiNodeOf(const OssSnBaseNode *node)
 {
     const OssSnNodeGraphViewContext *context = of(node);
-    return context ? context->guiItem() : nullptr;
+    return context ? context->guiNode() : nullptr;
 }
 
 OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const
 {
-    return qobject_cast<OssNgExtendedNode *>(guiItem());
-}
-
-QObject *OssSnNodeGraphViewContext::guiNode() const
-{
-    return guiItem();
+    return qobject_cast<OssNgExtendedNode *>(guiNode());
 }
 
 OssNgNode *OssSnNodeGraphViewContext::createGuiNode()
@@ -178,28 +173,28 @@ void OssSnNodeGraphViewContext::setPortListMode(
 
 QPointF OssSnNodeGraphViewContext::nodePosition() const
 {
-    return guiItem() ? guiItem()->pos() : QPointF();
+    return guiNode() ? guiNode()->pos() : QPointF();
 }
 
 QSizeF OssSnNodeGraphViewContext::nodeSize() const
 {
-    return guiItem() ? guiItem()->boundingRect().size() : QSizeF();
+    return guiNode() ? guiNode()->boundingRect().size() : QSizeF();
 }
 
 // --- initialisation
 
 void OssSnNodeGraphViewContext::applyColours()
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
-    guiItem()->setShapeType(m_shapeType);
-    guiItem()->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
+    guiNode()->setShapeType(m_shapeType);
+    guiNode()->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
 }
 
 void OssSnNodeGraphViewContext::buildPorts()
 {
     OssSnBaseNode *node = parentNode();
-    OssNgNode *gui = guiItem();
+    OssNgNode *gui = guiNode();
     if (!node || !gui)
         return;
     for (const InputDescriptor &input : inputs())
@@ -216,7 +211,7 @@ void OssSnNodeGraphViewContext::buildPorts()
 void OssSnNodeGraphViewContext::initializeGui()
 {
     OssSnBaseNode *node = parentNode();
-    OssNgNode *gui = guiItem();
+    OssNgNode *gui = guiNode();
     if (!gui || !node)
         return;
     connect(node, &OssSnBaseNode::selectedChanged, this, &OssSnNodeGraphViewContext::selectGuiNode);
@@ -328,7 +323,7 @@ void OssSnNodeGraphViewContext::initializeGui()
 
 bool OssSnNodeGraphViewContext::saveObjects(OssSerializer &serializer)
 {
-    if (guiItem() && !guiItem()->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
+    if (guiNode() && !guiNode()->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
         return false;
     serializer.beginCollection(QStringLiteral("m_inputNodeInitialPos"),
                                m_inputNodeInitialPos.size(), QStringLiteral("QHash"),
@@ -348,7 +343,7 @@ OssSerializableObject *OssSnNodeGraphViewContext::onLoadSubObject(OssDeserialize
                                                                   const QString &type)
 {
     if (name == QLatin1String("m_GuiNode"))
-        return guiItem() ? guiItem()->state() : nullptr;
+        return guiNode() ? guiNode()->state() : nullptr;
     return OssSnBaseContext::onLoadSubObject(deserializer, name, type);
 }
 
@@ -426,8 +421,8 @@ void OssSnNodeGraphViewContext::copyGuiNodeStateFrom(OssSnBaseContext *other)
         OSS_DEBUG("OtherView is NULL");
         return;
     }
-    if (guiItem())
-        guiItem()->copyFrom(source->guiItem());
+    if (guiNode())
+        guiNode()->copyFrom(source->guiNode());
 }
 
 void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const QString &inputName,
@@ -449,10 +444,10 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
 void OssSnNodeGraphViewContext::applySelection(bool selected)
 {
     OssSnBaseNode *node = parentNode();
-    if (guiItem() && guiItem()->isSelected() != selected) {
-        guiItem()->setSelected(selected);
+    if (guiNode() && guiNode()->isSelected() != selected) {
+        guiNode()->setSelected(selected);
         // A hidden or disabled item refuses to be selected: the node stays as the user sees it.
-        selected = guiItem()->isSelected();
+        selected = guiNode()->isSelected();
     }
     if (node && node->selected() != selected)
         node->setSelected(selected);
@@ -509,28 +504,28 @@ void OssSnNodeGraphViewContext::calculateEdgeMultipliers(QVector<int> &Multiplie
 
 void OssSnNodeGraphViewContext::setText(QString text)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
-    guiItem()->setText(text);
+    guiNode()->setText(text);
     if (OssNgExtendedNode *extended = extendedNode())
         extended->refresh();
 }
 
 void OssSnNodeGraphViewContext::setToolTip(QString text)
 {
-    if (guiItem())
-        guiItem()->setToolTip(text);
+    if (guiNode())
+        guiNode()->setToolTip(text);
 }
 
 void OssSnNodeGraphViewContext::updateGuiEdgesBypassStates()
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
     if (OssNgExtendedNode *extended = extendedNode())
         extended->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
     for (const QString &input : node->inputNames())
-        if (OssNgEdge *edge = guiItem()->input(input))
+        if (OssNgEdge *edge = guiNode()->input(input))
             edge->setBypassed(!node->inputEnabled(input) || !node->enabledAsBool());
 }
 
@@ -583,13 +578,13 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBase
                                                         QString outputPoint)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
     OssNgNode *sourceGui = guiNodeOf(source);
     if (source && sourceGui)
-        guiItem()->connectInput(input, sourceGui, outputPoint);
+        guiNode()->connectInput(input, sourceGui, outputPoint);
     else
-        guiItem()->disconnectInput(input);
+        guiNode()->disconnectInput(input);
     updateGuiEdgesBypassStates();
     if (OssNgExtendedNode *extended = extendedNode())
         extended->refresh();
@@ -600,7 +595,7 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBase
             text = source->hasTag(QStringLiteral("_currentMaterialProxy"))
                        ? QStringLiteral("0:Current Material")
                        : QStringLiteral("0:%1").arg(source->name());
-        guiItem()->setInputPortText(QStringLiteral("0"), text);
+        guiNode()->setInputPortText(QStringLiteral("0"), text);
     }
 }
 
@@ -608,16 +603,16 @@ void OssSnNodeGraphViewContext::onParentNodeDetachOutput(QString)
 {
     // The target's context detaches the edge when its input changes; nothing to do here but
     // keep the output's used mark right.
-    if (guiItem())
-        guiItem()->update();
+    if (guiNode())
+        guiNode()->update();
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
-    guiItem()->addInputPort(input, input == node->preferredInput(), false, [&] {
+    guiNode()->addInputPort(input, input == node->preferredInput(), false, [&] {
         const QStringList tags = node->inputTags(input);
         return QSet<QString>(tags.begin(), tags.end());
     }());
@@ -625,11 +620,11 @@ void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
 
 void OssSnNodeGraphViewContext::onParentNodeInputListAdded(QStringList inputs)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
     for (const QString &input : inputs)
         onParentNodeInputAdded(input);
-    guiItem()->setInputPortOrder(parentNode()->inputNames());
+    guiNode()->setInputPortOrder(parentNode()->inputNames());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
@@ -640,15 +635,15 @@ void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
 void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed(bool Adjust)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
-    for (const QString &name : guiItem()->inputPortNames())
+    for (const QString &name : guiNode()->inputPortNames())
         if (!node->hasInput(name))
-            guiItem()->removeInputPort(name);
+            guiNode()->removeInputPort(name);
     for (const QString &name : node->inputNames())
-        if (!guiItem()->inputPort(name))
+        if (!guiNode()->inputPort(name))
             onParentNodeInputAdded(name);
-    guiItem()->setInputPortOrder(node->inputNames());
+    guiNode()->setInputPortOrder(node->inputNames());
     if (Adjust)
         for (const QString &input : node->inputNames())
             onParentNodeInputChange(input, node->inputConnection(input),
@@ -663,14 +658,14 @@ void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed()
 void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed(bool)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
-    for (const QString &name : guiItem()->outputPortNames())
+    for (const QString &name : guiNode()->outputPortNames())
         if (!node->hasOutputPoint(name))
-            guiItem()->removeOutputPort(name);
+            guiNode()->removeOutputPort(name);
     for (const QString &name : node->outputPointNames())
-        if (!guiItem()->outputPort(name))
-            guiItem()->addOutputPort(name, !node->outputPortsHidden());
+        if (!guiNode()->outputPort(name))
+            guiNode()->addOutputPort(name, !node->outputPortsHidden());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
@@ -681,44 +676,44 @@ void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
 
 void OssSnNodeGraphViewContext::onParentNodeInputRenamed(QString oldName, QString newName)
 {
-    if (guiItem())
-        guiItem()->renameInputPort(oldName, newName);
+    if (guiNode())
+        guiNode()->renameInputPort(oldName, newName);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputRemoved(QString input)
 {
-    if (guiItem())
-        guiItem()->removeInputPort(input);
+    if (guiNode())
+        guiNode()->removeInputPort(input);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointAdded(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
+    if (guiNode())
+        guiNode()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRemoved(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->removeOutputPort(outputPoint);
+    if (guiNode())
+        guiNode()->removeOutputPort(outputPoint);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointUsed(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->setOutputPortUsed(outputPoint, true);
+    if (guiNode())
+        guiNode()->setOutputPortUsed(outputPoint, true);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointFreed(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->setOutputPortUsed(outputPoint, false);
+    if (guiNode())
+        guiNode()->setOutputPortUsed(outputPoint, false);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRenamed(QString oldName, QString newName)
 {
-    if (guiItem())
-        guiItem()->renameOutputPort(oldName, newName);
+    if (guiNode())
+        guiNode()->renameOutputPort(oldName, newName);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
@@ -729,15 +724,15 @@ void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
 
 void OssSnNodeGraphViewContext::onParentInputIsShared(QString input)
 {
-    if (guiItem())
-        if (OssNgEdge *edge = guiItem()->input(input))
+    if (guiNode())
+        if (OssNgEdge *edge = guiNode()->input(input))
             edge->setShared(true);
 }
 
 void OssSnNodeGraphViewContext::onInputEnabledChanged(QString input, bool enabled)
 {
-    if (guiItem())
-        if (OssNgEdge *edge = guiItem()->input(input))
+    if (guiNode())
+        if (OssNgEdge *edge = guiNode()->input(input))
             edge->setBypassed(!enabled);
 }
 
@@ -821,7 +816,7 @@ void OssSnNodeGraphViewContext::onNodePositionedNextTo(OssSnBaseNode *ReferenceN
 void OssSnNodeGraphViewContext::onNodePositionedOnTopIdented(OssSnBaseNode *ReferenceNode)
 {
     if (OssShaderNetworkView *view = currentView())
-        view->relocateNodeBeside(guiItem(), guiNodeOf(ReferenceNode));
+        view->relocateNodeBeside(guiNode(), guiNodeOf(ReferenceNode));
 }
 
 void OssSnNodeGraphViewContext::onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
@@ -871,25 +866,25 @@ void OssSnNodeGraphViewContext::onViewerAttachedToNode(int InputNumber)
 
 void OssSnNodeGraphViewContext::onViewerNodeCurrentEdgeChanged(int edge)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
     const QString current = QString::number(edge);
-    for (OssNgEdge *input : guiItem()->inputs())
-        input->setActivated(guiItem()->isSelected() && input->inputName() == current);
+    for (OssNgEdge *input : guiNode()->inputs())
+        input->setActivated(guiNode()->isSelected() && input->inputName() == current);
     updateViewerNodeVirtualEdge();
 }
 
 void OssSnNodeGraphViewContext::updateViewerNodeVirtualEdge()
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
+    if (!guiNode() || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
         return;
     // The viewer shows the node feeding its current input; its virtual edge points at "ToView".
     const QString current =
         QString::number(node->network()->rootNetwork()->viewerNodeCurrentEdge());
     OssSnBaseNode *shown = node->inputConnection(current);
     if (node->hasInput(QStringLiteral("ToView")))
-        guiItem()->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
+        guiNode()->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
 }
 
 void OssSnNodeGraphViewContext::onNewNodeAdded()
@@ -927,12 +922,12 @@ void OssSnNodeGraphViewContext::updateDescriptiveNames()
 void OssSnNodeGraphViewContext::updateDescriptiveInputNames()
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
     if (qobject_cast<OssSnMultiChannelGroupNode *>(node))
-        guiItem()->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
+        guiNode()->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
                                                  node->descriptiveOutputNameList());
-    guiItem()->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
+    guiNode()->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
 }
 
 void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
@@ -942,22 +937,22 @@ void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
 
 void OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
-    if (guiItem())
-        guiItem()->setPos(position);
+    if (guiNode())
+        guiNode()->setPos(position);
 }
 
 void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
-    guiItem()->savePosition();
-    guiItem()->setPos(position);
-    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(guiItem()), false);
+    guiNode()->savePosition();
+    guiNode()->setPos(position);
+    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(guiNode()), false);
 }
 
 void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
 {
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode())) {
         backdrop->saveBoundingRect();
         backdrop->setNodeSize(size);
     }
@@ -965,7 +960,7 @@ void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
 
 void OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
 {
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode())) {
         backdrop->saveBoundingRect();
         backdrop->setNodeSize(size);
         OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
@@ -983,7 +978,7 @@ void OssSnNodeGraphViewContext::gotoNode()
 {
     OssSnBaseNode *node = parentNode();
     OssSnNodeGraphWidget *widget = OssSnNodeGraphViewContextManager::instance()->nodeGraphWidget();
-    if (!node || !node->network() || !widget || !guiItem())
+    if (!node || !node->network() || !widget || !guiNode())
         return;
     OssShaderNetwork *root = node->network()->rootNetwork();
     if (!root->geoEntity() || !widget->view() || widget->view()->network() != root)
@@ -993,6 +988,6 @@ void OssSnNodeGraphViewContext::gotoNode()
     else
         widget->setCurrentIndex(0);
     OssShaderNetworkView *view = widget->currentView();
-    if (guiItem()->isVisible() && view && view->network() == node->network())
-        view->centerViewOn(guiItem()->pos() + guiItem()->boundingRect().center(), true);
+    if (guiNode()->isVisible() && view && view->network() == node->network())
+        view->centerViewOn(guiNode()->pos() + guiNode()->boundingRect().center(), true);
 }
