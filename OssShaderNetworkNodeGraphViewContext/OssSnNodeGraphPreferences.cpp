@@ -206,15 +206,45 @@ void OssSnNodeGraphPreferences::applyDefaults(QObject *owner)
         write(owner, table()[i], defaultValue(Preference(i)));
 }
 
+namespace {
+
+// The settings keep the preferences in their own order (the collapsed state before the colour
+// space behaviour). On load, a preference missing from the settings falls back to its default
+// when FromDefault is set, else keeps its current value.
+struct SettingsSlot
+{
+    OssSnNodeGraphPreferences::Preference preference;
+    bool fromDefault;
+};
+
+const SettingsSlot SettingsOrder[] = {
+    {OssSnNodeGraphPreferences::ControlType, true},
+    {OssSnNodeGraphPreferences::DefaultNodePortDisplayMode, false},
+    {OssSnNodeGraphPreferences::IsAutoInsertOn, false},
+    {OssSnNodeGraphPreferences::ZoomTo, false},
+    {OssSnNodeGraphPreferences::DefaultMCMCollapsedState, false},
+    {OssSnNodeGraphPreferences::AutoUpdateUpstreamMergeNodeColorspaceEnabled, true},
+    {OssSnNodeGraphPreferences::ShakeToExtractEnabled, true},
+    {OssSnNodeGraphPreferences::ShakeToExtractShakes, true},
+    {OssSnNodeGraphPreferences::ShakeToExtractTime, true},
+    {OssSnNodeGraphPreferences::NumberOfLastUsedNodePathsToStore, true},
+};
+static_assert(sizeof(SettingsOrder) / sizeof(SettingsOrder[0]) == OssSnNodeGraphPreferences::Count,
+              "every preference has its place in the settings");
+
+} // namespace
+
 void OssSnNodeGraphPreferences::load(QObject *owner)
 {
     OssSettings settings;
     settings.beginGroup(settingsGroup());
-    for (int i = 0; i < Count; ++i) {
-        const Entry &e = table()[i];
+    for (const SettingsSlot &slot : SettingsOrder) {
+        const Entry &e = entry(slot.preference);
         const QString key = QString::fromLatin1(e.key);
         if (settings.contains(key))
             write(owner, e, stored(settings.value(key), e));
+        else if (slot.fromDefault)
+            write(owner, e, defaultValue(slot.preference));
     }
 }
 
@@ -222,8 +252,8 @@ void OssSnNodeGraphPreferences::save(const QObject *owner)
 {
     OssSettings settings;
     settings.beginGroup(settingsGroup());
-    for (int i = 0; i < Count; ++i) {
-        const Entry &e = table()[i];
+    for (const SettingsSlot &slot : SettingsOrder) {
+        const Entry &e = entry(slot.preference);
         settings.setValue(QString::fromLatin1(e.key), stored(propertyOf(owner, e).read(owner), e));
     }
 }

@@ -57,8 +57,10 @@ public:
 
     // Gives every preference property of Owner its default.
     static void applyDefaults(QObject *owner);
-    // Reads the saved preferences into Owner's properties; a preference that was never saved
-    // keeps its value, and one of the wrong type converts as the settings store converts it.
+    // Reads the saved preferences into Owner's properties, in the settings' order; a preference
+    // that was never saved falls back to its default or, for the port display, auto insert,
+    // zoom anchor and collapsed state, keeps its value; one of the wrong type converts as the
+    // settings store converts it.
     static void load(QObject *owner);
     static void save(const QObject *owner);
     // Registers every preference of Owner with the host's preference manager, in table order.

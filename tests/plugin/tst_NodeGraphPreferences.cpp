@@ -349,12 +349,13 @@ private slots:
     void roundTripAndReset_data() { preferenceRows(); }
 
     // A preference is saved under its key and read back, a reset gives its default, and one
-    // missing from the settings keeps its value on load.
+    // missing from the settings falls back to its default or keeps its value on load.
     void roundTripAndReset()
     {
         QFETCH(QString, key);
         QFETCH(QVariant, defaultValue);
         QFETCH(QVariant, other);
+        QFETCH(bool, missingGivesDefault);
         Manager *manager = Manager::instance();
         const QByteArray name = key.toLatin1();
         const QMetaProperty property = manager->metaObject()->property(
@@ -393,7 +394,32 @@ private slots:
         resetAll(manager);
         QVERIFY(manager->setProperty(name.constData(), other));
         manager->loadPreferences();
-        QCOMPARE(valueOf(manager, key, defaultValue), other);
+        QCOMPARE(valueOf(manager, key, defaultValue), missingGivesDefault ? defaultValue : other);
+        resetAll(manager);
+    }
+
+    // The settings are read in their own order: the collapsed state before the colour space
+    // behaviour, whose change signals listeners then hear in that order.
+    void loadReadsInTheSettingsOrder()
+    {
+        Manager *manager = Manager::instance();
+        resetAll(manager);
+        {
+            OssSettings settings;
+            settings.beginGroup(QStringLiteral("Node Graph"));
+            settings.setValue(QStringLiteral("autoUpdateUpstreamMergeNodeColorspaceEnabled"),
+                              QStringLiteral("Change"));
+            settings.setValue(QStringLiteral("defaultMCMCollapsedState"), int(Manager::Collapsed));
+        }
+        QStringList heard;
+        QObject listener;
+        connect(manager, &Manager::autoUpdateUpstreamMergeNodeColorspaceEnabledChanged, &listener,
+                [&heard] { heard << QStringLiteral("colour space"); });
+        connect(manager, &Manager::defaultMCMCollapsedStateChangedAsInt, &listener,
+                [&heard] { heard << QStringLiteral("collapsed state"); });
+        manager->loadPreferences();
+        QCOMPARE(heard, QStringList({"collapsed state", "colour space"}));
+        OssSettings().remove(QStringLiteral("Node Graph"));
         resetAll(manager);
     }
 
@@ -424,24 +450,27 @@ private:
         QTest::addColumn<QString>("section");
         QTest::addColumn<QVariant>("defaultValue");
         QTest::addColumn<QVariant>("other");
+        // Whether a preference missing from the settings falls back to its default on load
+        // (else it keeps its current value).
+        QTest::addColumn<bool>("missingGivesDefault");
         const auto row = [](const char *key, const char *section, const QVariant &defaultValue,
-                            const QVariant &other) {
+                            const QVariant &other, bool missingGivesDefault) {
             QTest::newRow(key) << QString::fromLatin1(key) << QString::fromLatin1(section)
-                               << defaultValue << other;
+                               << defaultValue << other << missingGivesDefault;
         };
-        row("controlType", "General", QStringLiteral("Kova"), QStringLiteral("Ossa"));
+        row("controlType", "General", QStringLiteral("Kova"), QStringLiteral("Ossa"), true);
         row("defaultNodePortDisplayMode", "General", QStringLiteral("Show Port List (Horizontal)"),
-            QStringLiteral("No Port List (Vertical)"));
-        row("isAutoInsertOn", "General", true, false);
-        row("zoomTo", "General", int(Manager::Cursor), int(Manager::Center));
+            QStringLiteral("No Port List (Vertical)"), false);
+        row("isAutoInsertOn", "General", true, false, false);
+        row("zoomTo", "General", int(Manager::Cursor), int(Manager::Center), false);
         row("autoUpdateUpstreamMergeNodeColorspaceEnabled", "General", QStringLiteral("Prompt"),
-            QStringLiteral("Leave"));
+            QStringLiteral("Leave"), true);
         row("defaultMCMCollapsedState", "Multi-Channel", int(Manager::StreamCollapsed),
-            int(Manager::Collapsed));
-        row("shakeToExtractEnabled", "Shake to Extract", true, false);
-        row("shakeToExtractShakes", "Shake to Extract", 4, 7);
-        row("shakeToExtractTime", "Shake to Extract", 500, 250);
-        row("numberOfLastUsedNodePathsToStore", "Quick Node Create Menu", 5, 12);
+            int(Manager::Collapsed), false);
+        row("shakeToExtractEnabled", "Shake to Extract", true, false, true);
+        row("shakeToExtractShakes", "Shake to Extract", 4, 7, true);
+        row("shakeToExtractTime", "Shake to Extract", 500, 250, true);
+        row("numberOfLastUsedNodePathsToStore", "Quick Node Create Menu", 5, 12, true);
     }
 
     // The property's value; enumerations as their numbers.
