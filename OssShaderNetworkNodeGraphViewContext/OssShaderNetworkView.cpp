@@ -34,11 +34,11 @@ OssNgNode *guiOf(OssSnBaseNode *node)
     return OssSnNodeGraphViewContext::guiNodeOf(node);
 }
 
-// A node whose ports run left to right (port-list mode 1) is laid out with the axes exchanged.
+// A node without a port list runs top to bottom: it is laid out with the axes exchanged.
 bool isFlipped(OssSnBaseNode *node)
 {
     const OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node);
-    return context && context->portListModeAsInt() == 1;
+    return context && context->portListModeAsInt() == OssNgExtendedNode::PortListHidden;
 }
 
 } // namespace
@@ -91,7 +91,7 @@ void OssShaderNetworkView::deferredConnectToViewContextManager()
             &OssShaderNetworkView::onShakeToExtractShakesChanged);
     connect(manager, &OssSnNodeGraphViewContextManager::shakeToExtractTimeChanged, this,
             &OssShaderNetworkView::onShakeToExtractTimeChanged);
-    // Applied as the slots do: a disabled shake also ends cursor tracking mode 2.
+    // Applied as the slots do: a disabled shake also ends edge pick-up tracking.
     m_shakeToExtractEnabled = !manager->shakeToExtractEnabled();
     onShakeToExtractEnabledChanged(manager->shakeToExtractEnabled());
     onShakeToExtractShakesChanged(manager->shakeToExtractShakes());
@@ -124,7 +124,7 @@ void OssShaderNetworkView::allowViewUpdateChanged(bool AllowViewUpdate)
 
 void OssShaderNetworkView::onProjectClosed()
 {
-    setCursorTrackingMode(0);
+    setCursorTrackingMode(NormalTracking);
 }
 
 void OssShaderNetworkView::setNavigationControlType(QString ControlType)
@@ -137,8 +137,8 @@ void OssShaderNetworkView::onShakeToExtractEnabledChanged(bool Enabled)
     if (Enabled == m_shakeToExtractEnabled)
         return;
     m_shakeToExtractEnabled = Enabled;
-    if (!Enabled && cursorTrackingMode() == 2)
-        setCursorTrackingMode(0);
+    if (!Enabled && cursorTrackingMode() == EdgePickUpTracking)
+        setCursorTrackingMode(NormalTracking);
 }
 
 void OssShaderNetworkView::onShakeToExtractShakesChanged(int Shakes)

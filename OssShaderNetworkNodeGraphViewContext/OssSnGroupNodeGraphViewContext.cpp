@@ -57,7 +57,7 @@ void OssSnGroupNodeGraphViewContext::updateCategory()
     QString category;
     int shape = shapeType();
     if (auto *multi = qobject_cast<OssSnMultiChannelGroupNode *>(node)) {
-        shape = multi->isValid() ? 7 : 4;
+        shape = multi->isValid() ? OssNgNode::MultiChannelGroupShape : OssNgNode::GroupShape;
         if (!multi->isValid())
             category = QStringLiteral("MultiChannelInvalid");
         else if (qobject_cast<OssSnMultiChannelMergeNode *>(node))
@@ -68,7 +68,7 @@ void OssSnGroupNodeGraphViewContext::updateCategory()
             category = QStringLiteral("MultiChannelBottomTransparency");
     } else if (qobject_cast<OssSnMaterialNode *>(node)) {
         category = QStringLiteral("MultiChannelMaterial");
-        shape = 3;
+        shape = OssNgNode::MaterialShape;
     }
     if (!category.isEmpty())
         gui->setCategory(category);

@@ -50,8 +50,10 @@ OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *parent, bool withG
     if (!parent)
         return;
     m_portListMode =
-        OssSnNodeGraphViewContextManager::instance()->defaultNodePortDisplayModeAsEnum() == 1 ? 1
-                                                                                              : 0;
+        OssSnNodeGraphViewContextManager::instance()->defaultNodePortDisplayModeAsEnum() ==
+                OssSnNodeGraphViewContextManager::NoPortList
+            ? OssNgExtendedNode::PortListHidden
+            : OssNgExtendedNode::PortListShown;
     if (withGui)
         adoptGuiNode(createGuiNode());
 }
@@ -76,17 +78,12 @@ OssSnNodeGraphViewContext *OssSnNodeGraphViewContext::of(const OssSnBaseNode *no
 OssNgNode *OssSnNodeGraphViewContext::guiNodeOf(const OssSnBaseNode *node)
 {
     const OssSnNodeGraphViewContext *context = of(node);
-    return context ? context->guiItem() : nullptr;
+    return context ? context->guiNode() : nullptr;
 }
 
 OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const
 {
-    return qobject_cast<OssNgExtendedNode *>(guiItem());
-}
-
-QObject *OssSnNodeGraphViewContext::guiNode() const
-{
-    return guiItem();
+    return qobject_cast<OssNgExtendedNode *>(guiNode());
 }
 
 OssNgNode *OssSnNodeGraphViewContext::createGuiNode()
@@ -98,7 +95,7 @@ OssNgNode *OssSnNodeGraphViewContext::createGuiNode()
     gui->setMark(OssNgExtendedNode::SystemShaderMark,
                  OssLayerShaderManager::isSystemShaderNode(node, true));
     gui->setMark(OssNgExtendedNode::FirstStateMark, false);
-    gui->setMark(OssNgExtendedNode::CachedMark, node->cacheActive() == 2);
+    gui->setMark(OssNgExtendedNode::CachedMark, node->cacheActive() == OssSnCacheActive);
     gui->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
     gui->setMark(OssNgExtendedNode::ExtraMark1, false);
     gui->setMark(OssNgExtendedNode::ExtraMark2, false);
@@ -147,58 +144,58 @@ void OssSnNodeGraphViewContext::setPortListMode(OssNgExtendedNode::PortListMode 
 
 void OssSnNodeGraphViewContext::setPortListMode(int mode)
 {
-    if (mode >= 0 && mode <= 4)
+    if (mode >= OssNgExtendedNode::PortListShown && mode <= OssNgExtendedNode::PortListExpanded)
         setPortListMode(OssNgExtendedNode::PortListMode(mode));
 }
 
 void OssSnNodeGraphViewContext::resetPortListMode()
 {
-    setPortListMode(0);
+    setPortListMode(OssNgExtendedNode::PortListShown);
 }
 
 void OssSnNodeGraphViewContext::setPortListMode(
     OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState state)
 {
-    switch (int(state)) {
-    case 0:
-        setPortListMode(0);
+    switch (state) {
+    case OssSnNodeGraphViewContextManager::Expanded:
+        setPortListMode(OssNgExtendedNode::PortListShown);
         break;
-    case 2:
-        setPortListMode(3);
+    case OssSnNodeGraphViewContextManager::ConnectedOnly:
+        setPortListMode(OssNgExtendedNode::PortListConnected);
         break;
-    case 3:
-        setPortListMode(4);
+    case OssSnNodeGraphViewContextManager::Collapsed:
+        setPortListMode(OssNgExtendedNode::PortListExpanded);
         break;
     default:
-        setPortListMode(2);
+        setPortListMode(OssNgExtendedNode::PortListFolded);
         break;
     }
 }
 
 QPointF OssSnNodeGraphViewContext::nodePosition() const
 {
-    return guiItem() ? guiItem()->pos() : QPointF();
+    return guiNode() ? guiNode()->pos() : QPointF();
 }
 
 QSizeF OssSnNodeGraphViewContext::nodeSize() const
 {
-    return guiItem() ? guiItem()->boundingRect().size() : QSizeF();
+    return guiNode() ? guiNode()->boundingRect().size() : QSizeF();
 }
 
 // --- initialisation
 
 void OssSnNodeGraphViewContext::applyColours()
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
-    guiItem()->setShapeType(m_shapeType);
-    guiItem()->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
+    guiNode()->setShapeType(m_shapeType);
+    guiNode()->setNodeColor(colourFrom(m_nodeColorTop), colourFrom(m_nodeColorBottom));
 }
 
 void OssSnNodeGraphViewContext::buildPorts()
 {
     OssSnBaseNode *node = parentNode();
-    OssNgNode *gui = guiItem();
+    OssNgNode *gui = guiNode();
     if (!node || !gui)
         return;
     for (const InputDescriptor &input : inputs())
@@ -215,7 +212,7 @@ void OssSnNodeGraphViewContext::buildPorts()
 void OssSnNodeGraphViewContext::initializeGui()
 {
     OssSnBaseNode *node = parentNode();
-    OssNgNode *gui = guiItem();
+    OssNgNode *gui = guiNode();
     if (!gui || !node)
         return;
     connect(node, &OssSnBaseNode::selectedChanged, this, &OssSnNodeGraphViewContext::selectGuiNode);
@@ -327,7 +324,7 @@ void OssSnNodeGraphViewContext::initializeGui()
 
 bool OssSnNodeGraphViewContext::saveObjects(OssSerializer &serializer)
 {
-    if (guiItem() && !guiItem()->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
+    if (guiNode() && !guiNode()->save(serializer, QStringLiteral("m_GuiNode"), OssStringMap()))
         return false;
     serializer.beginCollection(QStringLiteral("m_inputNodeInitialPos"),
                                m_inputNodeInitialPos.size(), QStringLiteral("QHash"),
@@ -347,7 +344,7 @@ OssSerializableObject *OssSnNodeGraphViewContext::onLoadSubObject(OssDeserialize
                                                                   const QString &type)
 {
     if (name == QLatin1String("m_GuiNode"))
-        return guiItem() ? guiItem()->state() : nullptr;
+        return guiNode() ? guiNode()->state() : nullptr;
     return OssSnBaseContext::onLoadSubObject(deserializer, name, type);
 }
 
@@ -425,8 +422,8 @@ void OssSnNodeGraphViewContext::copyGuiNodeStateFrom(OssSnBaseContext *other)
         OSS_DEBUG("OtherView is NULL");
         return;
     }
-    if (guiItem())
-        guiItem()->copyFrom(source->guiItem());
+    if (guiNode())
+        guiNode()->copyFrom(source->guiNode());
 }
 
 void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const QString &inputName,
@@ -448,10 +445,10 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
 void OssSnNodeGraphViewContext::applySelection(bool selected)
 {
     OssSnBaseNode *node = parentNode();
-    if (guiItem() && guiItem()->isSelected() != selected) {
-        guiItem()->setSelected(selected);
+    if (guiNode() && guiNode()->isSelected() != selected) {
+        guiNode()->setSelected(selected);
         // A hidden or disabled item refuses to be selected: the node stays as the user sees it.
-        selected = guiItem()->isSelected();
+        selected = guiNode()->isSelected();
     }
     if (node && node->selected() != selected)
         node->setSelected(selected);
@@ -508,35 +505,36 @@ void OssSnNodeGraphViewContext::calculateEdgeMultipliers(QVector<int> &Multiplie
 
 void OssSnNodeGraphViewContext::setText(QString text)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
-    guiItem()->setText(text);
+    guiNode()->setText(text);
     if (OssNgExtendedNode *extended = extendedNode())
         extended->refresh();
 }
 
 void OssSnNodeGraphViewContext::setToolTip(QString text)
 {
-    if (guiItem())
-        guiItem()->setToolTip(text);
+    if (guiNode())
+        guiNode()->setToolTip(text);
 }
 
 void OssSnNodeGraphViewContext::updateGuiEdgesBypassStates()
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
     if (OssNgExtendedNode *extended = extendedNode())
         extended->setMark(OssNgExtendedNode::DisabledMark, !node->enabledAsBool());
     for (const QString &input : node->inputNames())
-        if (OssNgEdge *edge = guiItem()->input(input))
+        if (OssNgEdge *edge = guiNode()->input(input))
             edge->setBypassed(!node->inputEnabled(input) || !node->enabledAsBool());
 }
 
 void OssSnNodeGraphViewContext::cachedChanged()
 {
     if (OssNgExtendedNode *extended = extendedNode())
-        extended->setMark(OssNgExtendedNode::CachedMark, parentNode()->cacheActive() == 2);
+        extended->setMark(OssNgExtendedNode::CachedMark,
+                          parentNode()->cacheActive() == OssSnCacheActive);
 }
 
 void OssSnNodeGraphViewContext::onGuiNodeInputChange(OssNgNode *newInput, QString inputName,
@@ -581,13 +579,13 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBase
                                                         QString outputPoint)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
     OssNgNode *sourceGui = guiNodeOf(source);
     if (source && sourceGui)
-        guiItem()->connectInput(input, sourceGui, outputPoint);
+        guiNode()->connectInput(input, sourceGui, outputPoint);
     else
-        guiItem()->disconnectInput(input);
+        guiNode()->disconnectInput(input);
     updateGuiEdgesBypassStates();
     if (OssNgExtendedNode *extended = extendedNode())
         extended->refresh();
@@ -598,7 +596,7 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString input, OssSnBase
             text = source->hasTag(QStringLiteral("_currentMaterialProxy"))
                        ? QStringLiteral("0:Current Material")
                        : QStringLiteral("0:%1").arg(source->name());
-        guiItem()->setInputPortText(QStringLiteral("0"), text);
+        guiNode()->setInputPortText(QStringLiteral("0"), text);
     }
 }
 
@@ -606,16 +604,16 @@ void OssSnNodeGraphViewContext::onParentNodeDetachOutput(QString)
 {
     // The target's context detaches the edge when its input changes; nothing to do here but
     // keep the output's used mark right.
-    if (guiItem())
-        guiItem()->update();
+    if (guiNode())
+        guiNode()->update();
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
-    guiItem()->addInputPort(input, input == node->preferredInput(), false, [&] {
+    guiNode()->addInputPort(input, input == node->preferredInput(), false, [&] {
         const QStringList tags = node->inputTags(input);
         return QSet<QString>(tags.begin(), tags.end());
     }());
@@ -623,11 +621,11 @@ void OssSnNodeGraphViewContext::onParentNodeInputAdded(QString input)
 
 void OssSnNodeGraphViewContext::onParentNodeInputListAdded(QStringList inputs)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
     for (const QString &input : inputs)
         onParentNodeInputAdded(input);
-    guiItem()->setInputPortOrder(parentNode()->inputNames());
+    guiNode()->setInputPortOrder(parentNode()->inputNames());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
@@ -638,15 +636,15 @@ void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed()
 void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed(bool Adjust)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
-    for (const QString &name : guiItem()->inputPortNames())
+    for (const QString &name : guiNode()->inputPortNames())
         if (!node->hasInput(name))
-            guiItem()->removeInputPort(name);
+            guiNode()->removeInputPort(name);
     for (const QString &name : node->inputNames())
-        if (!guiItem()->inputPort(name))
+        if (!guiNode()->inputPort(name))
             onParentNodeInputAdded(name);
-    guiItem()->setInputPortOrder(node->inputNames());
+    guiNode()->setInputPortOrder(node->inputNames());
     if (Adjust)
         for (const QString &input : node->inputNames())
             onParentNodeInputChange(input, node->inputConnection(input),
@@ -661,14 +659,14 @@ void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed()
 void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed(bool)
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
-    for (const QString &name : guiItem()->outputPortNames())
+    for (const QString &name : guiNode()->outputPortNames())
         if (!node->hasOutputPoint(name))
-            guiItem()->removeOutputPort(name);
+            guiNode()->removeOutputPort(name);
     for (const QString &name : node->outputPointNames())
-        if (!guiItem()->outputPort(name))
-            guiItem()->addOutputPort(name, !node->outputPortsHidden());
+        if (!guiNode()->outputPort(name))
+            guiNode()->addOutputPort(name, !node->outputPortsHidden());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
@@ -679,44 +677,44 @@ void OssSnNodeGraphViewContext::onParentNodeInputsOutputsRefreshed()
 
 void OssSnNodeGraphViewContext::onParentNodeInputRenamed(QString oldName, QString newName)
 {
-    if (guiItem())
-        guiItem()->renameInputPort(oldName, newName);
+    if (guiNode())
+        guiNode()->renameInputPort(oldName, newName);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputRemoved(QString input)
 {
-    if (guiItem())
-        guiItem()->removeInputPort(input);
+    if (guiNode())
+        guiNode()->removeInputPort(input);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointAdded(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
+    if (guiNode())
+        guiNode()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRemoved(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->removeOutputPort(outputPoint);
+    if (guiNode())
+        guiNode()->removeOutputPort(outputPoint);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointUsed(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->setOutputPortUsed(outputPoint, true);
+    if (guiNode())
+        guiNode()->setOutputPortUsed(outputPoint, true);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointFreed(QString outputPoint)
 {
-    if (guiItem())
-        guiItem()->setOutputPortUsed(outputPoint, false);
+    if (guiNode())
+        guiNode()->setOutputPortUsed(outputPoint, false);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRenamed(QString oldName, QString newName)
 {
-    if (guiItem())
-        guiItem()->renameOutputPort(oldName, newName);
+    if (guiNode())
+        guiNode()->renameOutputPort(oldName, newName);
 }
 
 void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
@@ -727,15 +725,15 @@ void OssSnNodeGraphViewContext::onParentNodeGuiActiveChanged(bool active)
 
 void OssSnNodeGraphViewContext::onParentInputIsShared(QString input)
 {
-    if (guiItem())
-        if (OssNgEdge *edge = guiItem()->input(input))
+    if (guiNode())
+        if (OssNgEdge *edge = guiNode()->input(input))
             edge->setShared(true);
 }
 
 void OssSnNodeGraphViewContext::onInputEnabledChanged(QString input, bool enabled)
 {
-    if (guiItem())
-        if (OssNgEdge *edge = guiItem()->input(input))
+    if (guiNode())
+        if (OssNgEdge *edge = guiNode()->input(input))
             edge->setBypassed(!enabled);
 }
 
@@ -773,11 +771,11 @@ void OssSnNodeGraphViewContext::onSetLayout(OssSnBaseNode::NodeLayoutType Type,
         return;
     OssSnBaseNode *node = parentNode();
     const int type = int(Type);
-    if (type == 0) {
+    if (type == OssSnBaseNode::LayoutAtFreeSpot) {
         view->positionNodeAtFreeSpot(node);
         return;
     }
-    if (type == 9) {
+    if (type == OssSnBaseNode::LayoutBesideReference) {
         view->positionNodeBesideReference(node, ReferenceNode);
         return;
     }
@@ -785,16 +783,16 @@ void OssSnNodeGraphViewContext::onSetLayout(OssSnBaseNode::NodeLayoutType Type,
                                       {3, 0}, {2, 0}, {-1, 0}, {0, 0},  {0, 0},  {1, -1}};
     static const int flipped[12][2] = {{0, 0}, {1, 0}, {0, 2},  {1, -1}, {-1, 1}, {2, 0},
                                        {0, 3}, {0, 2}, {0, -1}, {0, 0},  {0, 0},  {-1, 0}};
-    const bool flip = portListModeAsInt() == 1;
+    const bool flip = portListModeAsInt() == OssNgExtendedNode::PortListHidden;
     int column = 0, row = 0;
-    if (type >= 1 && type <= 11) {
+    if (type >= OssSnBaseNode::LayoutBelow && type <= OssSnBaseNode::LayoutAboveRightOfStream) {
         column = flip ? flipped[type][0] : normal[type][0];
         row = flip ? flipped[type][1] : normal[type][1];
     }
     OSS_DEBUG("[ -- ] Positioning node '%s' wrt node '%s' at (%d, %d)", qPrintable(node->path()),
               ReferenceNode ? qPrintable(ReferenceNode->path()) : "", column, row);
     view->positionNodeOnGrid(node, ReferenceNode, column, row, FreshCoordinates);
-    if (PreventOverlap || type == 2)
+    if (PreventOverlap || type == OssSnBaseNode::LayoutRightFar)
         view->placeNode(node);
 }
 
@@ -819,7 +817,7 @@ void OssSnNodeGraphViewContext::onNodePositionedNextTo(OssSnBaseNode *ReferenceN
 void OssSnNodeGraphViewContext::onNodePositionedOnTopIdented(OssSnBaseNode *ReferenceNode)
 {
     if (OssShaderNetworkView *view = currentView())
-        view->relocateNodeBeside(guiItem(), guiNodeOf(ReferenceNode));
+        view->relocateNodeBeside(guiNode(), guiNodeOf(ReferenceNode));
 }
 
 void OssSnNodeGraphViewContext::onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
@@ -869,25 +867,25 @@ void OssSnNodeGraphViewContext::onViewerAttachedToNode(int InputNumber)
 
 void OssSnNodeGraphViewContext::onViewerNodeCurrentEdgeChanged(int edge)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
     const QString current = QString::number(edge);
-    for (OssNgEdge *input : guiItem()->inputs())
-        input->setActivated(guiItem()->isSelected() && input->inputName() == current);
+    for (OssNgEdge *input : guiNode()->inputs())
+        input->setActivated(guiNode()->isSelected() && input->inputName() == current);
     updateViewerNodeVirtualEdge();
 }
 
 void OssSnNodeGraphViewContext::updateViewerNodeVirtualEdge()
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
+    if (!guiNode() || !node || !node->hasTag(QStringLiteral("_viewer")) || !node->network())
         return;
     // The viewer shows the node feeding its current input; its virtual edge points at "ToView".
     const QString current =
         QString::number(node->network()->rootNetwork()->viewerNodeCurrentEdge());
     OssSnBaseNode *shown = node->inputConnection(current);
     if (node->hasInput(QStringLiteral("ToView")))
-        guiItem()->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
+        guiNode()->setVirtualInputEdge(guiNodeOf(shown), QStringLiteral("ToView"));
 }
 
 void OssSnNodeGraphViewContext::onNewNodeAdded()
@@ -925,12 +923,12 @@ void OssSnNodeGraphViewContext::updateDescriptiveNames()
 void OssSnNodeGraphViewContext::updateDescriptiveInputNames()
 {
     OssSnBaseNode *node = parentNode();
-    if (!guiItem() || !node)
+    if (!guiNode() || !node)
         return;
     if (qobject_cast<OssSnMultiChannelGroupNode *>(node))
-        guiItem()->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
+        guiNode()->setConnectionDescriptiveNames(node->descriptiveInputNameList(),
                                                  node->descriptiveOutputNameList());
-    guiItem()->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
+    guiNode()->setConnectionPrettyNames(node->prettyInputNameList(), node->prettyOutputNameList());
 }
 
 void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
@@ -940,22 +938,22 @@ void OssSnNodeGraphViewContext::updateDescriptiveOutputNames()
 
 void OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
-    if (guiItem())
-        guiItem()->setPos(position);
+    if (guiNode())
+        guiNode()->setPos(position);
 }
 
 void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
 {
-    if (!guiItem())
+    if (!guiNode())
         return;
-    guiItem()->savePosition();
-    guiItem()->setPos(position);
-    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(guiItem()), false);
+    guiNode()->savePosition();
+    guiNode()->setPos(position);
+    OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(guiNode()), false);
 }
 
 void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
 {
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode())) {
         backdrop->saveBoundingRect();
         backdrop->setNodeSize(size);
     }
@@ -963,7 +961,7 @@ void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
 
 void OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
 {
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode())) {
         backdrop->saveBoundingRect();
         backdrop->setNodeSize(size);
         OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
@@ -981,7 +979,7 @@ void OssSnNodeGraphViewContext::gotoNode()
 {
     OssSnBaseNode *node = parentNode();
     OssSnNodeGraphWidget *widget = OssSnNodeGraphViewContextManager::instance()->nodeGraphWidget();
-    if (!node || !node->network() || !widget || !guiItem())
+    if (!node || !node->network() || !widget || !guiNode())
         return;
     OssShaderNetwork *root = node->network()->rootNetwork();
     if (!root->geoEntity() || !widget->view() || widget->view()->network() != root)
@@ -991,6 +989,6 @@ void OssSnNodeGraphViewContext::gotoNode()
     else
         widget->setCurrentIndex(0);
     OssShaderNetworkView *view = widget->currentView();
-    if (guiItem()->isVisible() && view && view->network() == node->network())
-        view->centerViewOn(guiItem()->pos() + guiItem()->boundingRect().center(), true);
+    if (guiNode()->isVisible() && view && view->network() == node->network())
+        view->centerViewOn(guiNode()->pos() + guiNode()->boundingRect().center(), true);
 }

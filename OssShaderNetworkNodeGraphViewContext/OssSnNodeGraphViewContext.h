@@ -37,8 +37,8 @@ public:
     // The GUI node of a node's view context, or null.
     static OssNgNode *guiNodeOf(const OssSnBaseNode *node);
 
-    // The GUI node while it exists (a closing scene may have taken it).
-    OssNgNode *guiItem() const { return m_guiNode.data(); }
+    // The GUI node while it exists (a closing scene may have taken it), or null.
+    OssNgNode *guiNode() const override { return m_guiNode.data(); }
     OssNgExtendedNode *extendedNode() const;
 
     int shapeType() const { return m_shapeType; }
@@ -72,7 +72,6 @@ public:
     bool versionStateMatches() const override { return true; }
     void copyGuiStateFrom(OssSnBaseContext *other) override;
     void copyGuiNodeStateFrom(OssSnBaseContext *other) override;
-    QObject *guiNode() const override;
     void connectInputFromGui(OssSnBaseNode *source, const QString &inputName,
                              const QString &outputPointName) override;
     void applySelection(bool selected) override;
@@ -175,7 +174,7 @@ protected:
     int m_shapeType = 0;
     QString m_nodeColorTop;
     QString m_nodeColorBottom;
-    int m_portListMode = 0;
+    int m_portListMode = OssNgExtendedNode::PortListShown;
     QString m_pixmapPath;
     QPoint m_pixmapOffset;
     OssSnInitialPositionMap m_inputPositions;

@@ -1,59 +1,32 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
-#include "OssPreferenceManager.h"
-#include "OssSettings.h"
 #include "OssShaderNetworkView.h"
-#include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextFactories.h"
 #include "OssSnNodeGraphViewContextLoader.h"
 #include "OssSnNodeGraphWidget.h"
 #include "OssSnNodePropertiesWidget.h"
+#include "OssSnSceneRegistry.h"
 #include "OssSnUINodeGraphViewContext.h"
 #include "ZelGLTextureToken.h"
 
-#include <OssChannel.h>
 #include <OssDebug.h>
-#include <OssLayerStreamUtils.h>
-#include <OssNgBackdropNode.h>
-#include <OssNgEdge.h>
 #include <OssNgUndo.h>
-#include <OssNgView.h>
-#include <OssObjectReferenceManager.h>
 #include <OssPalette.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssResourceInfo.h>
 #include <OssShaderNetwork.h>
 #include <OssShadingGroup.h>
-#include <OssSnChannelInputNode.h>
 #include <OssSnGroupNode.h>
 #include <OssSnMultiChannelGroupNode.h>
 #include <OssUndoManager.h>
 
 #include <QAction>
-#include <QCoreApplication>
-#include <QEvent>
 #include <QGraphicsScene>
-#include <QTimer>
-
-#include <memory>
 
 // Keeps the renderer's texture cache alive while the plug-in is loaded.
 static const ZelGLTextureToken s_textureToken;
-
-namespace {
-const QString SettingsGroup = QStringLiteral("Node Graph");
-
-// Stores Value in Member; true when it changed (the caller then announces it).
-template <typename T> bool assign(T &member, const T &value)
-{
-    if (member == value)
-        return false;
-    member = value;
-    return true;
-}
-} // namespace
 
 OssSnNodeGraphViewContextManager *OssSnNodeGraphViewContextManager::instance()
 {
@@ -65,8 +38,10 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
     : OssSerializableObject(nullptr)
 {
     setObjectName(QStringLiteral("OssSnNodeGraphViewContextManager"));
+    m_scenes = new OssSnSceneRegistry(this);
+    Preferences::applyDefaults(this);
     loadPreferences();
-    registerPreferences();
+    Preferences::registerWith(this);
     m_loader = new OssSnNodeGraphViewContextLoader;
     OssShaderNetworkManager::instance()->registerContextLoader(QStringLiteral("NodeGraphView"),
                                                                m_loader);
@@ -78,13 +53,7 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
     initialiseNodePropertiesPalette();
 }
 
-OssSnNodeGraphViewContextManager::~OssSnNodeGraphViewContextManager()
-{
-    // Scenes go with their networks and projects; only the tables are released here.
-    m_scenes.clear();
-    m_groupNodes.clear();
-    m_viewRects.clear();
-}
+OssSnNodeGraphViewContextManager::~OssSnNodeGraphViewContextManager() = default;
 
 void OssSnNodeGraphViewContextManager::connectToHost()
 {
@@ -161,56 +130,6 @@ QWidget *OssSnNodeGraphViewContextManager::nodePropertiesWidget() const
     return m_nodePropertiesWidget.data();
 }
 
-void OssSnNodeGraphViewContextManager::registerGroupNetwork(OssShaderNetwork *network,
-                                                            OssSnGroupNode *group)
-{
-    m_groupNodes.insert(network, group);
-}
-
-OssSnGroupNode *
-OssSnNodeGraphViewContextManager::groupNodeOfNetwork(OssShaderNetwork *network) const
-{
-    return m_groupNodes.value(network).data();
-}
-
-QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwork *network)
-{
-    if (!network)
-        return nullptr;
-    if (QGraphicsScene *scene = m_scenes.value(network))
-        return scene;
-    auto *scene = new QGraphicsScene;
-    // Filled without a spatial index (a network being loaded puts thousands of nodes at one
-    // spot first, which a tree index handles in quadratic time); the view that shows the scene
-    // turns the index on.
-    scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    connect(network, SIGNAL(destroyed(QObject *)), this, SLOT(onShaderNetworkDestroyed(QObject *)));
-    m_scenes.insert(network, scene);
-    return scene;
-}
-
-void OssSnNodeGraphViewContextManager::showNetworkInView(OssShaderNetwork *network,
-                                                         OssShaderNetworkView *view)
-{
-    if (!view)
-        return;
-    if (OssShaderNetwork *shown = view->network())
-        m_viewRects.insert(shown, view->viewportInSceneCoords());
-    view->setNetwork(network);
-    view->setScene(sceneForNetwork(network));
-    view->init();
-    if (!network)
-        return;
-    if (m_viewRects.contains(network)) {
-        view->fitInView(m_viewRects.value(network), Qt::AspectRatioMode(1));
-        return;
-    }
-    view->frameNodes(true);
-    m_viewRects.insert(network, view->viewportInSceneCoords());
-    connect(network, SIGNAL(destroyed(QObject *)), this, SLOT(onNetworkDestroyed(QObject *)),
-            Qt::UniqueConnection);
-}
-
 void OssSnNodeGraphViewContextManager::groupInputOutputMoved(OssSnGroupNode *group, OssSnBaseNode *,
                                                              bool input)
 {
@@ -238,145 +157,6 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkAdded(OssShaderNetwork *Ne
     OssShaderNetworkManager::instance()->refreshGraph(Network);
 }
 
-void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Network,
-                                                        OssSnBaseNode *Node)
-{
-    if (!Network) {
-        OSS_DEBUG("Network is NULL");
-        return;
-    }
-    if (!Node) {
-        OSS_DEBUG("Node is NULL");
-        return;
-    }
-    QGraphicsScene *scene = sceneForNetwork(Network);
-    if (!scene) {
-        OSS_DEBUG("Scene is NULL");
-        return;
-    }
-    OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Node);
-    if (!gui)
-        return;
-    if (gui->scene() != scene)
-        scene->addItem(gui);
-    for (OssNgEdge *edge : gui->inputs() + gui->outputs())
-        if (edge->scene() != scene)
-            scene->addItem(edge);
-    m_scenesWithNewItems.insert(scene);
-}
-
-void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Network,
-                                                          OssSnBaseNode *Node)
-{
-    if (!Network) {
-        OSS_DEBUG("Network is NULL");
-        return;
-    }
-    if (!Node) {
-        OSS_DEBUG("Node is NULL");
-        return;
-    }
-    // The host announced the removal to the node's own listeners already; of the plug-in's
-    // objects only the group context of the removed node itself has something to do.
-    if (auto *group =
-            qobject_cast<OssSnGroupNodeGraphViewContext *>(OssSnNodeGraphViewContext::of(Node)))
-        group->hideGroupNodeTab(Network, Node);
-    QGraphicsScene *scene = m_scenes.value(Network);
-    if (m_scenes.isEmpty() || !scene)
-        return;
-    OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Node);
-    if (!gui)
-        return;
-    flushPendingPolish(scene);
-    noteRemoval(scene);
-    // Removed, not deleted: the view context owns them.
-    if (gui->scene() == scene)
-        scene->removeItem(gui);
-    for (OssNgEdge *edge : gui->inputs() + gui->outputs())
-        if (edge->scene() == scene)
-            scene->removeItem(edge);
-    gui->removeTemporaryOutputEdge();
-    gui->removeVirtualInputEdge();
-}
-
-void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
-{
-    QGraphicsScene *scene = nullptr;
-    for (auto it = m_scenes.begin(); it != m_scenes.end(); ++it)
-        if (static_cast<QObject *>(it.key()) == Obj) {
-            scene = it.value();
-            m_scenes.erase(it);
-            break;
-        }
-    if (!scene) {
-        if (!m_scenes.isEmpty())
-            OSS_DEBUG("Failed to find scene for network");
-        return;
-    }
-    releaseGuiNodes(scene);
-    delete scene;
-}
-
-void OssSnNodeGraphViewContextManager::releaseGuiNodes(QGraphicsScene *scene)
-{
-    flushPendingPolish(scene);
-    // Without an index, taking items out is cheap when it goes from the bottom of the stacking
-    // order up: the scene finds each item at the front of its list instead of searching the
-    // whole list for it.
-    scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    m_removalsThisTurn.remove(scene);
-    m_unindexedForBulkRemoval.removeAll(scene);
-    for (QGraphicsItem *item : scene->items(Qt::AscendingOrder))
-        if (OssNgNode *node = OssNgNode::fromItem(item))
-            if (qobject_cast<OssSnBaseNode *>(node->parent()))
-                scene->removeItem(node);
-}
-
-void OssSnNodeGraphViewContextManager::noteRemoval(QGraphicsScene *scene)
-{
-    // A spatial index pays for each removal in every cell the item covered, and long edges cover
-    // many: removing thousands of nodes (deleting a big selection, undoing a paste) took seconds.
-    // From the BulkRemovals-th removal in one turn of the event loop on, the scene goes without
-    // an index; the index is rebuilt once, when the loop turns again.
-    constexpr int BulkRemovals = 64;
-    if (m_removalsThisTurn.isEmpty())
-        QTimer::singleShot(0, this, &OssSnNodeGraphViewContextManager::endBulkRemovals);
-    int &count = m_removalsThisTurn[scene];
-    if (++count == BulkRemovals && scene->itemIndexMethod() == QGraphicsScene::BspTreeIndex) {
-        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-        m_unindexedForBulkRemoval.append(scene);
-    }
-}
-
-void OssSnNodeGraphViewContextManager::endBulkRemovals()
-{
-    m_removalsThisTurn.clear();
-    for (const QPointer<QGraphicsScene> &scene : qAsConst(m_unindexedForBulkRemoval))
-        if (scene)
-            OssNgView::useSpatialIndex(scene);
-    m_unindexedForBulkRemoval.clear();
-}
-
-void OssSnNodeGraphViewContextManager::flushPendingPolish(QGraphicsScene *scene)
-{
-    // A scene keeps the items added since its last turn of the event loop in a list it searches
-    // on every removal. Removing many of them before the loop turns (undo of a removal, then
-    // redo, in one go) would search that list once per item: the scene's queued call that
-    // empties the list is delivered first.
-    if (m_scenesWithNewItems.remove(scene))
-        QCoreApplication::sendPostedEvents(scene, QEvent::MetaCall);
-}
-
-void OssSnNodeGraphViewContextManager::onNetworkDestroyed(QObject *Obj)
-{
-    for (auto it = m_viewRects.begin(); it != m_viewRects.end();) {
-        if (static_cast<QObject *>(it.key()) == Obj)
-            it = m_viewRects.erase(it);
-        else
-            ++it;
-    }
-}
-
 void OssSnNodeGraphViewContextManager::onProjectClosing()
 {
     // Views let go of the scenes before they go.
@@ -386,13 +166,7 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
                 view->setScene(nullptr);
                 view->setNetwork(nullptr);
             }
-    // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
-    // before the scenes are deleted.
-    for (QGraphicsScene *scene : qAsConst(m_scenes))
-        releaseGuiNodes(scene);
-    qDeleteAll(m_scenes);
-    m_scenes.clear();
-    m_groupNodes.clear();
+    m_scenes->releaseAll();
 }
 
 void OssSnNodeGraphViewContextManager::onProjectOpenCompleted()
@@ -420,15 +194,10 @@ void OssSnNodeGraphViewContextManager::onAfterShaderNetworkEndCollection(OssShad
 void OssSnNodeGraphViewContextManager::onProjectMadeCurrentUpgradeOldBadBackdrops(
     OssProject *Project)
 {
-    if (!Project)
-        return;
-    for (OssShadingGroup *group : Project->shadingGroups())
-        if (OssShaderNetwork *network =
-                OssShaderNetworkManager::instance()->getShaderNetwork(group))
-            for (OssSnBaseNode *node : network->getAllNodes())
-                if (auto *context = qobject_cast<OssSnUINodeGraphViewContext *>(
-                        node->context(QStringLiteral("NodeGraphView"))))
-                    context->upgradeOldBadBackdrop();
+    for (OssSnBaseNode *node : nodesOfProject(Project))
+        if (auto *context = qobject_cast<OssSnUINodeGraphViewContext *>(
+                node->context(QStringLiteral("NodeGraphView"))))
+            context->upgradeOldBadBackdrop();
 }
 
 void OssSnNodeGraphViewContextManager::focusOnNode(OssSnBaseNode *Node)
@@ -459,46 +228,55 @@ void OssSnNodeGraphViewContextManager::matchNodePosition(OssSnBaseNode *From, Os
     OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(to), false);
 }
 
+OssSnNodePropertiesWidget *OssSnNodeGraphViewContextManager::propertiesPanel() const
+{
+    return qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data());
+}
+
 void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionEnd(OssSnBaseNode *Node,
                                                                        OssSnBaseNode *Target,
                                                                        bool Undo)
 {
-    if (auto *panel = qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data()))
-        if (Node && Target)
-            panel->showNodePropertiesAtPositionEnd(Node, Target, Undo);
+    if (propertiesPanel() && Node && Target)
+        propertiesPanel()->showNodePropertiesAtPositionEnd(Node, Target, Undo);
 }
 
 void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionBegin(OssSnBaseNode *Node,
                                                                          OssSnBaseNode *Target,
                                                                          bool Undo)
 {
-    if (auto *panel = qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data()))
-        if (Node && Target)
-            panel->showNodePropertiesAtPositionBegin(Node, Target, Undo);
+    if (propertiesPanel() && Node && Target)
+        propertiesPanel()->showNodePropertiesAtPositionBegin(Node, Target, Undo);
 }
 
 void OssSnNodeGraphViewContextManager::showNodeProperties(OssSnBaseNode *Node)
 {
-    if (auto *panel = qobject_cast<OssSnNodePropertiesWidget *>(m_nodePropertiesWidget.data()))
-        panel->showNodeProperties(Node);
+    if (propertiesPanel())
+        propertiesPanel()->showNodeProperties(Node);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout()
+OssShaderNetworkView *OssSnNodeGraphViewContextManager::currentPageView() const
 {
     if (!m_nodeGraphWidget) {
         OSS_DEBUG("GraphWidget is NULL");
-        return;
+        return nullptr;
     }
     QWidget *page = m_nodeGraphWidget->currentWidget();
     if (!page) {
         OSS_DEBUG("PageWidget is NULL");
-        return;
+        return nullptr;
     }
     auto *view = qobject_cast<OssShaderNetworkView *>(page);
-    if (!view) {
+    if (!view)
         OSS_DEBUG("GraphView is NULL");
+    return view;
+}
+
+void OssSnNodeGraphViewContextManager::beautifyNodesLayout()
+{
+    OssShaderNetworkView *view = currentPageView();
+    if (!view)
         return;
-    }
     if (!view->network()) {
         OSS_DEBUG("Network is NULL");
         return;
@@ -529,355 +307,6 @@ void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Net
     autoLayoutNodes(Network, {Node}, false);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           QList<OssSnBaseNode *> Nodes)
-{
-    beautifyNodesLayout(Network, Nodes, false);
-}
-
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           QList<OssSnBaseNode *> Nodes,
-                                                           bool ArrangeFromLeavesIfEmpty)
-{
-    Nodes.removeAll(nullptr);
-    autoLayoutNodes(Network, Nodes, ArrangeFromLeavesIfEmpty);
-}
-
-namespace {
-
-constexpr qreal ColumnGap = 150.0;
-constexpr qreal RowGap = 60.0;
-constexpr qreal Clearance = 75.0;
-
-struct LayoutEntry
-{
-    QPointer<OssSnBaseNode> node;
-    QPointer<OssSnBaseNode> downstream;
-    QString input;
-};
-
-} // namespace
-
-void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNetwork,
-                                                       QList<OssSnBaseNode *> StartNodes,
-                                                       bool ArrangeFromLeavesIfEmpty)
-{
-    if (!StartNetwork || (StartNodes.isEmpty() && !ArrangeFromLeavesIfEmpty))
-        return;
-    const QList<OssSnBaseNode *> networkNodes = StartNetwork->nodes();
-    // Backdrops and their visible members, to refit them afterwards.
-    QList<QPair<OssNgBackdropNode *, QList<OssNgNode *>>> backdrops;
-    for (OssSnBaseNode *node : networkNodes) {
-        auto *backdrop =
-            qobject_cast<OssNgBackdropNode *>(OssSnNodeGraphViewContext::guiNodeOf(node));
-        if (!backdrop || !backdrop->isVisible())
-            continue;
-        QList<OssNgNode *> members;
-        for (QGraphicsItem *item : backdrop->nodesInside()) {
-            OssNgNode *member = OssNgNode::fromItem(item);
-            if (member && member->isVisible() && qobject_cast<OssSnBaseNode *>(member->parent()) &&
-                !qobject_cast<OssNgBackdropNode *>(member))
-                members.append(member);
-        }
-        backdrops.append({backdrop, members});
-    }
-    if (StartNodes.isEmpty()) {
-        for (OssSnBaseNode *node : networkNodes) {
-            if (node->hasTag(QStringLiteral("_viewer")))
-                continue;
-            bool leaf = true;
-            for (OssSnBaseNode *down : node->outputNodes())
-                if (!down->hasTag(QStringLiteral("_viewer")))
-                    leaf = false;
-            if (leaf && OssSnNodeGraphViewContext::guiNodeOf(node) &&
-                !qobject_cast<OssNgBackdropNode *>(OssSnNodeGraphViewContext::guiNodeOf(node)))
-                StartNodes.append(node);
-        }
-    }
-    if (StartNodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] Nothing to autoplace.");
-        return;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Layout Nodes"));
-    // Edges are adjusted once, after every node has its place (and before the index is back).
-    auto deferEdges = std::make_unique<OssNgNode::DeferEdgeUpdates>();
-    // Moving thousands of items is quadratic with a tree index (each move re-files the item);
-    // the index is rebuilt once afterwards.
-    QGraphicsScene *scene = m_scenes.value(StartNetwork);
-    const QGraphicsScene::ItemIndexMethod indexMethod =
-        scene ? scene->itemIndexMethod() : QGraphicsScene::NoIndex;
-    if (scene)
-        scene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    QSet<OssSnBaseNode *> laidOut;
-    // Trees laid out earlier stay clear of later ones.
-    QList<OssNgNode *> keepClear;
-    for (OssSnBaseNode *root : StartNodes) {
-        if (laidOut.contains(root))
-            continue;
-        layoutTree(root, laidOut, keepClear);
-        keepClear.clear();
-        for (OssSnBaseNode *done : qAsConst(laidOut))
-            if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(done))
-                keepClear.append(gui);
-    }
-    for (const auto &entry : qAsConst(backdrops)) {
-        OssNgBackdropNode *backdrop = entry.first;
-        if (entry.second.isEmpty())
-            continue;
-        QRectF bounds;
-        for (OssNgNode *member : entry.second)
-            bounds |= member->sceneBoundingRect();
-        const qreal margin = backdrop->titleBarHeight();
-        bounds.adjust(-margin, -2 * margin, margin, margin);
-        backdrop->savePosition();
-        backdrop->saveBoundingRect();
-        // The members are placed already: the backdrop moves alone.
-        backdrop->setRect(QRectF(bounds.topLeft() - backdrop->pos(), backdrop->nodeSize()));
-        macro.addUndo(new OssNgNodePositionChangeUndo(backdrop), false);
-        backdrop->setNodeSize(bounds.size());
-        macro.addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
-    }
-    deferEdges.reset();
-    if (scene && indexMethod == QGraphicsScene::BspTreeIndex)
-        OssNgView::useSpatialIndex(scene);
-}
-
-void OssSnNodeGraphViewContextManager::layoutTree(OssSnBaseNode *root,
-                                                  QSet<OssSnBaseNode *> &laidOut,
-                                                  const QList<OssNgNode *> &keepClear)
-{
-    // Columns by longest path from the root: a node reached again deeper moves to the deeper
-    // column.
-    QVector<QVector<LayoutEntry>> columns{{LayoutEntry{root, nullptr, QString()}}};
-    QHash<OssSnBaseNode *, int> columnOf{{root, 0}};
-    for (int c = 0; c < columns.size(); ++c) {
-        const QVector<LayoutEntry> column = columns.at(c);
-        for (const LayoutEntry &entry : column) {
-            OssSnBaseNode *node = entry.node;
-            if (!node || columnOf.value(node, -1) != c)
-                continue;
-            for (const QString &input : node->inputNames()) {
-                if (node->hasTag(QStringLiteral("_viewer")) && input == QLatin1String("ToView"))
-                    continue;
-                if (node->hasInputTag(input, QStringLiteral("_hidden")))
-                    continue;
-                OssSnBaseNode *source = node->inputConnection(input);
-                if (!source || source == root)
-                    continue;
-                const int existing = columnOf.value(source, -1);
-                if (existing >= c + 1)
-                    continue;
-                if (existing >= 0) {
-                    QVector<LayoutEntry> &old = columns[existing];
-                    for (int i = 0; i < old.size(); ++i)
-                        if (old.at(i).node == source) {
-                            old.remove(i);
-                            break;
-                        }
-                }
-                if (columns.size() <= c + 1)
-                    columns.append(QVector<LayoutEntry>());
-                columns[c + 1].append(LayoutEntry{source, node, input});
-                columnOf.insert(source, c + 1);
-            }
-        }
-    }
-    while (!columns.isEmpty()) {
-        bool live = false;
-        for (const LayoutEntry &entry : columns.last())
-            live = live || entry.node;
-        if (live)
-            break;
-        columns.removeLast();
-    }
-    QVector<qreal> widths;
-    for (const QVector<LayoutEntry> &column : qAsConst(columns)) {
-        qreal width = 0.0;
-        for (const LayoutEntry &entry : column)
-            if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(entry.node))
-                width = qMax(width, gui->sceneBoundingRect().width());
-        widths.append(width);
-    }
-    OssNgNode *rootGui = OssSnNodeGraphViewContext::guiNodeOf(root);
-    const QPointF anchor = rootGui ? rootGui->scenePos() : QPointF();
-    qreal offsetX = 0.0;
-    for (int c = 0; c < columns.size(); ++c) {
-        qreal cursor = 0.0;
-        QRectF columnRect;
-        QList<OssNgNode *> placed;
-        for (const LayoutEntry &entry : qAsConst(columns.at(c))) {
-            if (!entry.node)
-                continue;
-            laidOut.insert(entry.node);
-            OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(entry.node);
-            if (!gui)
-                continue;
-            const QRectF bounds = gui->sceneBoundingRect();
-            const qreal x = widths.at(c) * 0.5 + offsetX - bounds.width() * 0.5;
-            qreal y = cursor;
-            if (entry.node != root) {
-                qreal downstreamY = 0.0;
-                if (OssNgNode *down = OssSnNodeGraphViewContext::guiNodeOf(entry.downstream)) {
-                    downstreamY = down->scenePos().y();
-                    if (OssLayerStreamUtils::isMergeNode(entry.downstream) &&
-                        !OssLayerStreamUtils::isBaseInput(entry.downstream, entry.input))
-                        downstreamY = down->inputPortScenePos(entry.input).y();
-                }
-                y = qMax(cursor, downstreamY - anchor.y());
-            }
-            gui->savePosition();
-            gui->setPos(anchor.x() + x, anchor.y() + y);
-            OssUndoManager::instance()->addUndo(new OssNgNodePositionChangeUndo(gui), false);
-            columnRect = columnRect.isNull() ? gui->sceneBoundingRect()
-                                             : columnRect.united(gui->sceneBoundingRect());
-            cursor = y + bounds.height() + RowGap;
-            placed.append(gui);
-        }
-        qreal shift = 0.0;
-        if (!keepClear.isEmpty() && !columnRect.isNull()) {
-            QRectF test = columnRect;
-            bool again = true;
-            while (again) {
-                again = false;
-                test.translate(shift, 0);
-                for (OssNgNode *item : keepClear) {
-                    if (placed.contains(item))
-                        continue;
-                    const QRectF other = item->sceneBoundingRect();
-                    if (other.intersects(test)) {
-                        shift = qMin(shift, other.left() - test.right() - Clearance);
-                        again = true;
-                    }
-                }
-            }
-            shift = test.left() - columnRect.left();
-        }
-        if (shift != 0.0)
-            for (OssNgNode *gui : qAsConst(placed)) {
-                const QPointF from = gui->pos();
-                gui->setPos(from.x() + shift, from.y());
-                OssUndoManager::instance()->addUndo(
-                    new OssNgNodePositionChangeUndo(gui, from, gui->pos()), false);
-            }
-        offsetX = offsetX - widths.value(c + 1) - ColumnGap + shift;
-    }
-}
-
-void OssSnNodeGraphViewContextManager::reorderGroupInputsByPos(OssSnGroupNode *Group)
-{
-    if (!Group)
-        return;
-    // The group's inputs follow its input nodes from left to right.
-    QList<OssSnBaseNode *> inputs = Group->groupInputNodes();
-    std::stable_sort(inputs.begin(), inputs.end(), [](OssSnBaseNode *a, OssSnBaseNode *b) {
-        const OssNgNode *ga = OssSnNodeGraphViewContext::guiNodeOf(a);
-        const OssNgNode *gb = OssSnNodeGraphViewContext::guiNodeOf(b);
-        return ga && gb && ga->pos().x() < gb->pos().x();
-    });
-    QStringList order;
-    for (OssSnBaseNode *node : inputs)
-        order.append(node->name());
-    for (const QString &name : Group->inputNames())
-        if (!order.contains(name))
-            order.append(name);
-    Group->reorderInputs(order);
-}
-
-void OssSnNodeGraphViewContextManager::reorderGroupOutputsByPos(OssSnGroupNode *)
-{
-    // Output order is fixed by the group's definition; nothing to reorder.
-}
-
-void OssSnNodeGraphViewContextManager::arrangeGroupInputNodesByOrder(OssShaderNetwork *Network,
-                                                                     QStringList Order)
-{
-    // Input nodes are spaced evenly from left to right in the given order, on the row of the
-    // highest of them.
-    if (!Network)
-        return;
-    QList<OssNgNode *> nodes;
-    for (const QString &name : Order)
-        if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(Network->node(name)))
-            nodes.append(gui);
-    if (nodes.isEmpty())
-        return;
-    qreal top = nodes.first()->pos().y();
-    qreal left = nodes.first()->pos().x();
-    for (OssNgNode *gui : nodes) {
-        top = qMin(top, gui->pos().y());
-        left = qMin(left, gui->pos().x());
-    }
-    for (OssNgNode *gui : nodes) {
-        gui->setPos(left, top);
-        left += gui->boundingRect().width() + 30;
-    }
-}
-
-void OssSnNodeGraphViewContextManager::onDebugNodesChanged(OssDebugNodeColours rNewNodes,
-                                                           OssDebugInputColours rNewInputs,
-                                                           OssDebugNodeColours rOldNodes,
-                                                           OssDebugInputColours rOldInputs)
-{
-    OssObjectReferenceManager *references = OssObjectReferenceManager::instance();
-    const auto guiOf = [references](const QString &reference) {
-        return OssSnNodeGraphViewContext::guiNodeOf(
-            qobject_cast<OssSnBaseNode *>(references->getPointer(reference)));
-    };
-    for (auto it = rOldNodes.cbegin(); it != rOldNodes.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key()))
-            gui->setDebug(false);
-    for (auto it = rOldInputs.cbegin(); it != rOldInputs.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key()))
-            for (auto input = it.value().cbegin(); input != it.value().cend(); ++input)
-                if (OssNgEdge *edge = gui->input(input.key()))
-                    edge->setDebug(false);
-    for (auto it = rNewNodes.cbegin(); it != rNewNodes.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key())) {
-            gui->setDebugColor(it.value());
-            gui->setDebug(true);
-        }
-    for (auto it = rNewInputs.cbegin(); it != rNewInputs.cend(); ++it)
-        if (OssNgNode *gui = guiOf(it.key()))
-            for (auto input = it.value().cbegin(); input != it.value().cend(); ++input)
-                if (OssNgEdge *edge = gui->input(input.key())) {
-                    edge->setDebugColor(input.value());
-                    edge->setDebug(true);
-                }
-}
-
-void OssSnNodeGraphViewContextManager::highlightCurrentImageSetNode(OssChannel *pImageSet)
-{
-    if (!pImageSet)
-        return;
-    OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
-    if (!network) {
-        OSS_DEBUG("pNetwork is NULL");
-        return;
-    }
-    OssShaderNetwork *root = network->rootNetwork();
-    if (!root) {
-        OSS_DEBUG("pRootNetwork is NULL");
-        return;
-    }
-    for (OssSnBaseNode *node : root->getAllNodes()) {
-        auto *paint = qobject_cast<OssSnChannelInputNode *>(node);
-        OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
-        if (!paint || !gui)
-            continue;
-        gui->setHighlighted(paint->imageSet() == pImageSet);
-        gui->update();
-    }
-}
-
-void OssSnNodeGraphViewContextManager::onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver,
-                                                                    OssSnBaseNode *OldMouseOver)
-{
-    if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(MouseOver))
-        gui->setHovered(true);
-    if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(OldMouseOver))
-        gui->setHovered(false);
-}
-
 void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
 {
     if (!sender()) {
@@ -889,28 +318,19 @@ void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
         OSS_DEBUG("Action is NULL");
         return;
     }
-    if (!m_nodeGraphWidget) {
-        OSS_DEBUG("GraphWidget is NULL");
+    OssShaderNetworkView *view = currentPageView();
+    if (!view)
         return;
-    }
-    QWidget *page = m_nodeGraphWidget->currentWidget();
-    if (!page) {
-        OSS_DEBUG("PageWidget is NULL");
-        return;
-    }
-    auto *view = qobject_cast<OssShaderNetworkView *>(page);
-    if (!view) {
-        OSS_DEBUG("GraphView is NULL");
-        return;
-    }
     OssShaderNetwork *network = view->network();
     if (!network) {
         OSS_DEBUG("Network is NULL");
         return;
     }
+    // The actions are named after the collapsed states; stream collapsed is for multi-channel
+    // nodes and shaders only.
     const int mode = action->property("Mode").toInt();
     for (OssSnBaseNode *node : network->selectedNodes()) {
-        if (mode == 1 && !qobject_cast<OssSnMultiChannelGroupNode *>(node) &&
+        if (mode == StreamCollapsed && !qobject_cast<OssSnMultiChannelGroupNode *>(node) &&
             !node->hasTag(QStringLiteral("_shader")))
             continue;
         if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))
@@ -968,57 +388,26 @@ void OssSnNodeGraphViewContextManager::initialiseNodePropertiesPalette()
 
 const QStringList &OssSnNodeGraphViewContextManager::portDisplayList()
 {
-    static const QStringList list{QStringLiteral("Show Port List (Horizontal)"),
-                                  QStringLiteral("No Port List (Vertical)")};
-    return list;
+    return Preferences::choices(Preferences::DefaultNodePortDisplayMode);
 }
 
 QString OssSnNodeGraphViewContextManager::prettyPropertyName(const QString &Name) const
 {
-    static const QHash<QString, QString> labels{
-        {QStringLiteral("controlType"), QStringLiteral("Control Type")},
-        {QStringLiteral("defaultNodePortDisplayMode"), QStringLiteral("Default Port Display")},
-        {QStringLiteral("isAutoInsertOn"), QStringLiteral("Auto Insert Node")},
-        {QStringLiteral("zoomTo"), QStringLiteral("Zoom To")},
-        {QStringLiteral("autoUpdateUpstreamMergeNodeColorspaceEnabled"),
-         QStringLiteral("Update Blending Colorspace")},
-        {QStringLiteral("defaultMCMCollapsedState"), QStringLiteral("Default Collapsed State")},
-        {QStringLiteral("shakeToExtractEnabled"),
-         QStringLiteral("Shake to Extract Selected Nodes")},
-        {QStringLiteral("shakeToExtractShakes"), QStringLiteral("Shakes to Trigger")},
-        {QStringLiteral("shakeToExtractTime"), QStringLiteral("Shakes in Time (ms)")},
-        {QStringLiteral("numberOfLastUsedNodePathsToStore"),
-         QStringLiteral("Number of Most Recent Nodes")},
-    };
-    const auto it = labels.constFind(Name);
-    return it != labels.cend() ? it.value() : OssSerializableObject::prettyPropertyName(Name);
+    const QString label = Preferences::label(Name);
+    return label.isNull() ? OssSerializableObject::prettyPropertyName(Name) : label;
 }
 
-void OssSnNodeGraphViewContextManager::registerPreferences()
+void OssSnNodeGraphViewContextManager::loadPreferences()
 {
-    OssPreferenceManager *preferences = OssPreferenceManager::instance();
-    const QString page = tr("Node Graph");
-    const QString general = tr("General");
-    const QString multiChannel = tr("Multi-Channel");
-    const QString shake = tr("Shake to Extract");
-    const QString quickCreate = tr("Quick Node Create Menu");
-    preferences->registerPreference(page, general, this, QStringLiteral("controlType"));
-    preferences->registerPreference(page, general, this,
-                                    QStringLiteral("defaultNodePortDisplayMode"));
-    preferences->registerPreference(page, general, this, QStringLiteral("isAutoInsertOn"));
-    preferences->registerPreference(page, general, this, QStringLiteral("zoomTo"));
-    preferences->registerPreference(page, general, this,
-                                    QStringLiteral("autoUpdateUpstreamMergeNodeColorspaceEnabled"));
-    preferences->registerPreference(page, multiChannel, this,
-                                    QStringLiteral("defaultMCMCollapsedState"));
-    preferences->registerPreference(page, shake, this, QStringLiteral("shakeToExtractEnabled"));
-    preferences->registerPreference(page, shake, this, QStringLiteral("shakeToExtractShakes"));
-    preferences->registerPreference(page, shake, this, QStringLiteral("shakeToExtractTime"));
-    preferences->registerPreference(page, quickCreate, this,
-                                    QStringLiteral("numberOfLastUsedNodePathsToStore"));
+    Preferences::load(this);
 }
 
-// Control type
+void OssSnNodeGraphViewContextManager::savePreferences()
+{
+    Preferences::save(this);
+}
+
+// Preference setters: each announces a change, and only a change.
 
 void OssSnNodeGraphViewContextManager::setControlType(const QString &Value)
 {
@@ -1027,30 +416,6 @@ void OssSnNodeGraphViewContextManager::setControlType(const QString &Value)
     m_controlType = Value;
     emit controlTypeChanged(Value);
 }
-
-void OssSnNodeGraphViewContextManager::resetControlType()
-{
-    setControlType(controlTypeDefault());
-}
-
-QString OssSnNodeGraphViewContextManager::controlTypeDefault() const
-{
-    return QStringLiteral("Kova");
-}
-
-QStringList OssSnNodeGraphViewContextManager::controlTypeList() const
-{
-    return {QStringLiteral("Kova"), QStringLiteral("Ossa")};
-}
-
-QString OssSnNodeGraphViewContextManager::controlTypeTooltip() const
-{
-    return tr("Setup the nodegraph navigation to match another software application.\n"
-              " * Kova (default)\n"
-              " * Ossa");
-}
-
-// Port display
 
 QString OssSnNodeGraphViewContextManager::defaultNodePortDisplayMode() const
 {
@@ -1074,63 +439,16 @@ void OssSnNodeGraphViewContextManager::setDefaultNodePortDisplayMode(const QStri
 
 void OssSnNodeGraphViewContextManager::resetDefaultNodePortDisplayMode()
 {
-    setDefaultNodePortDisplayMode(portDisplayList().first());
+    setDefaultNodePortDisplayMode(defaultOf(Preferences::DefaultNodePortDisplayMode).toString());
 }
-
-QString OssSnNodeGraphViewContextManager::defaultNodePortDisplayModeTooltip() const
-{
-    return tr("Configures whether each node shows port list by default upon creation.\n"
-              " * No Port List (Vertical): Nodes will not show port list upon creation\n"
-              " * Show Port List (Horizontal): Nodes will show port list upon creation");
-}
-
-// Auto insert
-
-void OssSnNodeGraphViewContextManager::setIsAutoInsertOn(bool Value)
-{
-    if (assign(m_isAutoInsertOn, Value))
-        emit isAutoInsertOnChanged(Value);
-}
-
-void OssSnNodeGraphViewContextManager::resetIsAutoInsertOn()
-{
-    setIsAutoInsertOn(true);
-}
-
-QString OssSnNodeGraphViewContextManager::isAutoInsertOnTooltip() const
-{
-    return tr("Nodes will be inserted automatically into the tree when moved over an existing "
-              "pipe. This is indicated by the pipe turning yellow when hovering.");
-}
-
-// Zoom anchor
 
 void OssSnNodeGraphViewContextManager::setZoomTo(ZoomTo Value)
 {
-    if (Value == m_zoomTo)
+    if (!assign(m_zoomTo, Value))
         return;
-    m_zoomTo = Value;
     emit zoomToChanged(Value);
     emit zoomToChangedAsInt(int(Value));
 }
-
-void OssSnNodeGraphViewContextManager::setZoomTo(int Value)
-{
-    // Any int is kept as it is; readers decide what values other than 0 and 1 mean.
-    setZoomTo(static_cast<ZoomTo>(Value));
-}
-
-void OssSnNodeGraphViewContextManager::resetZoomTo()
-{
-    setZoomTo(Cursor);
-}
-
-QString OssSnNodeGraphViewContextManager::zoomToTooltip() const
-{
-    return tr("Which point to anchor when zooming in the Node Graph\n");
-}
-
-// Blending colour space upkeep
 
 void OssSnNodeGraphViewContextManager::setAutoUpdateUpstreamMergeNodeColorspaceEnabled(
     const QString &Value)
@@ -1142,195 +460,29 @@ void OssSnNodeGraphViewContextManager::setAutoUpdateUpstreamMergeNodeColorspaceE
     emit autoUpdateUpstreamMergeNodeColorspaceEnabledChanged(Value);
 }
 
-void OssSnNodeGraphViewContextManager::resetAutoUpdateUpstreamMergeNodeColorspaceEnabled()
-{
-    setAutoUpdateUpstreamMergeNodeColorspaceEnabled(
-        autoUpdateUpstreamMergeNodeColorspaceEnabledDefault());
-}
-
-QString
-OssSnNodeGraphViewContextManager::autoUpdateUpstreamMergeNodeColorspaceEnabledDefault() const
-{
-    return QStringLiteral("Prompt");
-}
-
-QStringList
-OssSnNodeGraphViewContextManager::autoUpdateUpstreamMergeNodeColorspaceEnabledList() const
-{
-    return {QStringLiteral("Prompt"), QStringLiteral("Change"), QStringLiteral("Leave")};
-}
-
-QString
-OssSnNodeGraphViewContextManager::autoUpdateUpstreamMergeNodeColorspaceEnabledTooltip() const
-{
-    return tr("<html>Control whether to automatically change the 'Use Blending Colorspace' "
-              "attribute to 'Enable' for Merge nodes upstream of newly connected 8bit (byte) "
-              "Channels or Bake Points configured for color paint data. When Merge nodes have "
-              "this attribute set to 'Disable' for an 8-bit (byte) color paint data channel, "
-              "precision issues in the blending math could occur, which could result in visual "
-              "banding artefacts in your paint.</html>");
-}
-
-// Multi-channel collapsed state
-
 void OssSnNodeGraphViewContextManager::setDefaultMCMCollapsedState(DefaultMCMCollapsedState Value)
 {
-    if (Value == m_collapsedState)
+    if (!assign(m_collapsedState, Value))
         return;
-    m_collapsedState = Value;
     emit defaultMCMCollapsedStateChanged(Value);
     emit defaultMCMCollapsedStateChangedAsInt(int(Value));
 }
 
-void OssSnNodeGraphViewContextManager::setDefaultMCMCollapsedState(int Value)
-{
-    setDefaultMCMCollapsedState(static_cast<DefaultMCMCollapsedState>(Value));
-}
-
-void OssSnNodeGraphViewContextManager::resetDefaultMCMCollapsedState()
-{
-    setDefaultMCMCollapsedState(StreamCollapsed);
-}
-
-QString OssSnNodeGraphViewContextManager::defaultMCMCollapsedStateTooltip() const
-{
-    return tr("Default collapsed state of Multi-Channel nodes when created");
-}
-
-// Shake to extract
-
-void OssSnNodeGraphViewContextManager::setShakeToExtractEnabled(bool Value)
-{
-    if (assign(m_shakeToExtractEnabled, Value))
-        emit shakeToExtractEnabledChanged(Value);
-}
-
-void OssSnNodeGraphViewContextManager::resetShakeToExtractEnabled()
-{
-    setShakeToExtractEnabled(shakeToExtractEnabledDefault());
-}
-
-void OssSnNodeGraphViewContextManager::toggleShakeToExtractEnabled()
-{
-    setShakeToExtractEnabled(!m_shakeToExtractEnabled);
-}
-
-QString OssSnNodeGraphViewContextManager::shakeToExtractEnabledTooltip() const
-{
-    return QStringLiteral("Shake selected nodes in the node graph to extract them.");
-}
-
-void OssSnNodeGraphViewContextManager::setShakeToExtractShakes(int Value)
-{
-    if (assign(m_shakeToExtractShakes, Value))
-        emit shakeToExtractShakesChanged(Value);
-}
-
-void OssSnNodeGraphViewContextManager::resetShakeToExtractShakes()
-{
-    setShakeToExtractShakes(shakeToExtractShakesDefault());
-}
-
-QString OssSnNodeGraphViewContextManager::shakeToExtractShakesTooltip() const
-{
-    return QStringLiteral("Perform this many shakes in the required time to trigger Shake to "
-                          "Extract.\nA \"shake\" is moving the nodes in one direction then "
-                          "moving them in the opposite direction.");
-}
-
-void OssSnNodeGraphViewContextManager::setShakeToExtractTime(int Value)
-{
-    if (assign(m_shakeToExtractTime, Value))
-        emit shakeToExtractTimeChanged(Value);
-}
-
-void OssSnNodeGraphViewContextManager::resetShakeToExtractTime()
-{
-    setShakeToExtractTime(shakeToExtractTimeDefault());
-}
-
-QString OssSnNodeGraphViewContextManager::shakeToExtractTimeTooltip() const
-{
-    return QStringLiteral("Perform the required number of shakes in this amount of time (in "
-                          "milliseconds) to trigger Shake to Extract.");
-}
-
-// Quick create menu
-
-void OssSnNodeGraphViewContextManager::setNumberOfLastUsedNodePathsToStore(int Value)
-{
-    if (assign(m_numberOfLastUsedNodePaths, Value))
-        emit numberOfLastUsedNodePathsToStoreChanged(Value);
-}
-
-void OssSnNodeGraphViewContextManager::resetNumberOfLastUsedNodePathsToStore()
-{
-    setNumberOfLastUsedNodePathsToStore(numberOfLastUsedNodePathsToStoreDefault());
-}
-
-QString OssSnNodeGraphViewContextManager::numberOfLastUsedNodePathsToStoreTooltip() const
-{
-    return QStringLiteral(
-        "The number of most recent nodes to be shown in the Node graph's Quick Create Menu");
-}
-
-// Persistence
-
-void OssSnNodeGraphViewContextManager::loadPreferences()
-{
-    OssSettings settings;
-    settings.beginGroup(SettingsGroup);
-    setControlType(
-        settings.value(QStringLiteral("controlType"), QStringLiteral("Kova")).toString());
-    setDefaultNodePortDisplayMode(
-        settings.value(QStringLiteral("defaultNodePortDisplayMode"), defaultNodePortDisplayMode())
-            .toString());
-    setIsAutoInsertOn(settings.value(QStringLiteral("isAutoInsertOn"), m_isAutoInsertOn).toBool());
-    setZoomTo(settings.value(QStringLiteral("zoomTo"), int(m_zoomTo)).toInt());
-    setDefaultMCMCollapsedState(
-        settings.value(QStringLiteral("defaultMCMCollapsedState"), int(m_collapsedState)).toInt());
-    setAutoUpdateUpstreamMergeNodeColorspaceEnabled(
-        settings
-            .value(QStringLiteral("autoUpdateUpstreamMergeNodeColorspaceEnabled"),
-                   QStringLiteral("Prompt"))
-            .toString());
-    setShakeToExtractEnabled(
-        settings.value(QStringLiteral("shakeToExtractEnabled"), true).toBool());
-    setShakeToExtractShakes(settings.value(QStringLiteral("shakeToExtractShakes"), 4).toInt());
-    setShakeToExtractTime(settings.value(QStringLiteral("shakeToExtractTime"), 500).toInt());
-    setNumberOfLastUsedNodePathsToStore(
-        settings.value(QStringLiteral("numberOfLastUsedNodePathsToStore"), 5).toInt());
-}
-
-void OssSnNodeGraphViewContextManager::savePreferences()
-{
-    OssSettings settings;
-    settings.beginGroup(SettingsGroup);
-    settings.setValue(QStringLiteral("controlType"), m_controlType);
-    settings.setValue(QStringLiteral("defaultNodePortDisplayMode"), defaultNodePortDisplayMode());
-    settings.setValue(QStringLiteral("isAutoInsertOn"), m_isAutoInsertOn);
-    settings.setValue(QStringLiteral("zoomTo"), int(m_zoomTo));
-    settings.setValue(QStringLiteral("defaultMCMCollapsedState"), int(m_collapsedState));
-    settings.setValue(QStringLiteral("autoUpdateUpstreamMergeNodeColorspaceEnabled"),
-                      m_colorspaceBehaviour);
-    settings.setValue(QStringLiteral("shakeToExtractEnabled"), m_shakeToExtractEnabled);
-    settings.setValue(QStringLiteral("shakeToExtractShakes"), m_shakeToExtractShakes);
-    settings.setValue(QStringLiteral("shakeToExtractTime"), m_shakeToExtractTime);
-    settings.setValue(QStringLiteral("numberOfLastUsedNodePathsToStore"),
-                      m_numberOfLastUsedNodePaths);
-}
-
 void OssSnNodeGraphViewContextManager::updatePortVisibility()
 {
-    OssProject *project = OssProjectManager::instance()->currentProject();
+    for (OssSnBaseNode *node : nodesOfProject(OssProjectManager::instance()->currentProject()))
+        if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))
+            context->applyPortVisibility();
+}
+
+QList<OssSnBaseNode *> OssSnNodeGraphViewContextManager::nodesOfProject(OssProject *project)
+{
+    QList<OssSnBaseNode *> nodes;
     if (!project)
-        return;
-    for (OssShadingGroup *group : project->shadingGroups()) {
-        OssShaderNetwork *network = OssShaderNetworkManager::instance()->getShaderNetwork(group);
-        if (!network)
-            continue;
-        for (OssSnBaseNode *node : network->getAllNodes())
-            if (OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContext::of(node))
-                context->applyPortVisibility();
-    }
+        return nodes;
+    for (OssShadingGroup *group : project->shadingGroups())
+        if (OssShaderNetwork *network =
+                OssShaderNetworkManager::instance()->getShaderNetwork(group))
+            nodes += network->getAllNodes();
+    return nodes;
 }

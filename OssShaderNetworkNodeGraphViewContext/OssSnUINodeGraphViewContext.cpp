@@ -18,7 +18,7 @@ OssSnUINodeGraphViewContext::OssSnUINodeGraphViewContext(QObject *parent)
 void OssSnUINodeGraphViewContext::setGuiNodeClass(const QString &guiNodeClass)
 {
     m_guiNodeClass = guiNodeClass;
-    if (guiItem() || !parentNode())
+    if (guiNode() || !parentNode())
         return;
     OssNgNode *gui = nullptr;
     if (guiNodeClass == QLatin1String("Backdrop"))
@@ -32,13 +32,13 @@ void OssSnUINodeGraphViewContext::setGuiNodeClass(const QString &guiNodeClass)
 
 void OssSnUINodeGraphViewContext::initializeGui()
 {
-    if (!guiItem())
+    if (!guiNode())
         setGuiNodeClass(m_guiNodeClass);
     OssSnNodeGraphViewContext::initializeGui();
     OssSnBaseNode *node = parentNode();
-    if (!node || !guiItem())
+    if (!node || !guiNode())
         return;
-    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiItem())) {
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode())) {
         connect(backdrop, &OssNgBackdropNode::zOrderChanged, this,
                 &OssSnUINodeGraphViewContext::onZOrderChanged);
         // A new backdrop is titled after its unique name.
@@ -51,7 +51,7 @@ void OssSnUINodeGraphViewContext::initializeGui()
 
 void OssSnUINodeGraphViewContext::applyAttribute(const OssCustomAttribute &attribute)
 {
-    OssNgNode *gui = guiItem();
+    OssNgNode *gui = guiNode();
     OssSnBaseNode *node = parentNode();
     if (!gui || !node)
         return;
@@ -92,7 +92,7 @@ void OssSnUINodeGraphViewContext::onUserAttributeChanged(OssCustomAttribute attr
 
 void OssSnUINodeGraphViewContext::setText(QString text)
 {
-    OssNgNode *gui = guiItem();
+    OssNgNode *gui = guiNode();
     if (!gui)
         return;
     // A backdrop or note without a title of its own shows the node's name.

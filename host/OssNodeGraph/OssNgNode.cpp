@@ -918,14 +918,14 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
     painter->setBrush(fillBrush());
     painter->setPen(QPen(outline, isSelected() || m_highlighted ? 2.5 : 1.2));
     switch (m_shapeType) {
-    case 3: // material: a capsule
+    case MaterialShape: // a capsule
         painter->drawRoundedRect(body, body.height() / 2, body.height() / 2);
         break;
-    case 4: // group: a double frame
+    case GroupShape: // a double frame
         painter->drawRect(body);
         painter->drawRect(body.adjusted(3, 3, -3, -3));
         break;
-    case 7: { // multi-channel group: clipped corners
+    case MultiChannelGroupShape: { // clipped corners
         const qreal c = 8;
         QPolygonF polygon;
         polygon << QPointF(body.left() + c, body.top()) << QPointF(body.right() - c, body.top())

@@ -63,6 +63,15 @@ public:
         Vertical,
         Horizontal
     };
+    // The outline of a node's body. The numbers are saved in projects and written in node-type
+    // descriptions; any other number draws the rounded outline.
+    enum ShapeType
+    {
+        RoundedShape = 0,
+        MaterialShape = 3,
+        GroupShape = 4,
+        MultiChannelGroupShape = 7
+    };
 
     // While one of these lives, nodes that move adjust their edges once, when the last one goes
     // out of scope: laying out thousands of nodes moves both ends of most edges, each more than

@@ -6,6 +6,7 @@
 #include <OssNgStyle.h>
 #include <OssNgView.h>
 
+#include <QElapsedTimer>
 #include <QGraphicsScene>
 #include <QPainter>
 #include <QSignalSpy>
@@ -274,15 +275,19 @@ private slots:
         QFETCH(bool, triggered);
         const bool slow = QByteArray(QTest::currentDataTag()) == "too slow";
         // A slow shake has more time between its reversals than the gesture allows.
-        m_view->setShake(enabled, 4, slow ? 20 : 5000);
+        const int gestureTime = slow ? 20 : 5000;
+        m_view->setShake(enabled, 4, gestureTime);
         QSignalSpy shake(m_view, &OssNgView::shakeToExtractTriggered);
         const QPoint start = at(m_a->sceneBoundingRect().center());
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, start);
         QPoint pos = start;
+        QElapsedTimer sinceLastMove;
+        sinceLastMove.start();
         for (int i = 0; i <= reversals; ++i) {
             pos += QPoint(i % 2 ? -40 : 40, 0);
             if (slow)
-                QTest::qWait(40);
+                QTRY_VERIFY(sinceLastMove.elapsed() > gestureTime);
+            sinceLastMove.restart();
             QMouseEvent move(QEvent::MouseMove, pos, m_view->viewport()->mapToGlobal(pos),
                              Qt::NoButton, Qt::LeftButton, {});
             QApplication::sendEvent(m_view->viewport(), &move);

@@ -5,6 +5,9 @@
 
 #include <QtTest>
 
+#include <memory>
+#include <vector>
+
 using Manager = OssSnNodeGraphViewContextManager;
 
 class tst_NodeGraphPreferences : public QObject
@@ -109,18 +112,71 @@ private slots:
         QVERIFY(!all.at(position).notifySignal().isEmpty());
     }
 
+    void toolTipsAreExact_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("controlType") << "controlType"
+                                     << "Setup the nodegraph navigation to match another software "
+                                        "application.\n * Kova (default)\n * Ossa";
+        QTest::newRow("defaultNodePortDisplayMode")
+            << "defaultNodePortDisplayMode"
+            << "Configures whether each node shows port list by default upon creation.\n * No "
+               "Port List (Vertical): Nodes will not show port list upon creation\n * Show Port "
+               "List (Horizontal): Nodes will show port list upon creation";
+        QTest::newRow("isAutoInsertOn")
+            << "isAutoInsertOn"
+            << "Nodes will be inserted automatically into the tree when moved over an existing "
+               "pipe. This is indicated by the pipe turning yellow when hovering.";
+        QTest::newRow("zoomTo") << "zoomTo"
+                                << "Which point to anchor when zooming in the Node Graph\n";
+        QTest::newRow("autoUpdateUpstreamMergeNodeColorspaceEnabled")
+            << "autoUpdateUpstreamMergeNodeColorspaceEnabled"
+            << "<html>Control whether to automatically change the 'Use Blending Colorspace' "
+               "attribute to 'Enable' for Merge nodes upstream of newly connected 8bit (byte) "
+               "Channels or Bake Points configured for color paint data. When Merge nodes have "
+               "this attribute set to 'Disable' for an 8-bit (byte) color paint data channel, "
+               "precision issues in the blending math could occur, which could result in visual "
+               "banding artefacts in your paint.</html>";
+        QTest::newRow("defaultMCMCollapsedState")
+            << "defaultMCMCollapsedState"
+            << "Default collapsed state of Multi-Channel nodes when created";
+        QTest::newRow("shakeToExtractEnabled")
+            << "shakeToExtractEnabled"
+            << "Shake selected nodes in the node graph to extract them.";
+        QTest::newRow("shakeToExtractShakes")
+            << "shakeToExtractShakes"
+            << "Perform this many shakes in the required time to trigger Shake to Extract.\nA "
+               "\"shake\" is moving the nodes in one direction then moving them in the opposite "
+               "direction.";
+        QTest::newRow("shakeToExtractTime")
+            << "shakeToExtractTime"
+            << "Perform the required number of shakes in this amount of time (in milliseconds) "
+               "to trigger Shake to Extract.";
+        QTest::newRow("numberOfLastUsedNodePathsToStore")
+            << "numberOfLastUsedNodePathsToStore"
+            << "The number of most recent nodes to be shown in the Node graph's Quick Create Menu";
+    }
+
     void toolTipsAreExact()
     {
+        QFETCH(QString, key);
+        QFETCH(QString, text);
         Manager *manager = Manager::instance();
-        QCOMPARE(manager->zoomToTooltip(),
-                 QStringLiteral("Which point to anchor when zooming in the Node Graph\n"));
-        QCOMPARE(manager->controlTypeTooltip(),
-                 QStringLiteral("Setup the nodegraph navigation to match another software "
-                                "application.\n * Kova (default)\n * Ossa"));
-        QCOMPARE(manager->shakeToExtractShakesTooltip(),
-                 QStringLiteral("Perform this many shakes in the required time to trigger Shake "
-                                "to Extract.\nA \"shake\" is moving the nodes in one direction "
-                                "then moving them in the opposite direction."));
+        QString toolTip;
+        const QByteArray slot = (key + QStringLiteral("Tooltip")).toLatin1();
+        QVERIFY(
+            QMetaObject::invokeMethod(manager, slot.constData(), Q_RETURN_ARG(QString, toolTip)));
+        QCOMPARE(toolTip, text);
+        // The preference page shows the same text.
+        QCOMPARE(
+            OssPreferenceManager::instance()->find(QStringLiteral("Node Graph"), key).toolTip(),
+            text);
+    }
+
+    void labels()
+    {
+        Manager *manager = Manager::instance();
         QCOMPARE(manager->prettyPropertyName(QStringLiteral("zoomTo")), QStringLiteral("Zoom To"));
         QCOMPARE(manager->prettyPropertyName(QStringLiteral("objectName")),
                  QStringLiteral("Object Name"));
@@ -178,18 +234,12 @@ private slots:
 
         Manager *manager = Manager::instance();
         resetAll(manager);
-        // Count every change signal of the manager.
-        int emitted = 0;
+        // Every change signal of the manager is counted.
+        std::vector<std::unique_ptr<QSignalSpy>> spies;
         const QMetaObject *meta = manager->metaObject();
-        QList<QMetaObject::Connection> connections;
-        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
-            const QMetaMethod method = meta->method(i);
-            if (method.methodType() == QMetaMethod::Signal)
-                connections.append(
-                    connect(manager, method, this,
-                            metaObject()->method(metaObject()->indexOfSlot("count()"))));
-        }
-        m_count = &emitted;
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
+            if (meta->method(i).methodType() == QMetaMethod::Signal)
+                spies.push_back(std::make_unique<QSignalSpy>(manager, meta->method(i)));
 
         bool invoked = false;
         const QByteArray name = slot.toLatin1();
@@ -205,9 +255,9 @@ private slots:
             invoked = QMetaObject::invokeMethod(manager, name.constData(),
                                                 Q_ARG(QString, argument.toString()));
         QVERIFY2(invoked, qPrintable(slot));
-        for (const QMetaObject::Connection &connection : connections)
-            disconnect(connection);
-        m_count = nullptr;
+        int emitted = 0;
+        for (const auto &spy : spies)
+            emitted += spy->count();
 
         const QVariant value = manager->property(property.toLatin1().constData());
         if (expected.userType() == QMetaType::Int)
@@ -296,13 +346,140 @@ private slots:
         QCOMPARE(manager->defaultNodePortDisplayModeAsEnum(), 0);
     }
 
-    void count()
+    void roundTripAndReset_data() { preferenceRows(); }
+
+    // A preference is saved under its key and read back, a reset gives its default, and one
+    // missing from the settings falls back to its default or keeps its value on load.
+    void roundTripAndReset()
     {
-        if (m_count)
-            ++*m_count;
+        QFETCH(QString, key);
+        QFETCH(QVariant, defaultValue);
+        QFETCH(QVariant, other);
+        QFETCH(bool, missingGivesDefault);
+        Manager *manager = Manager::instance();
+        const QByteArray name = key.toLatin1();
+        const QMetaProperty property = manager->metaObject()->property(
+            manager->metaObject()->indexOfProperty(name.constData()));
+        QVERIFY(property.isValid());
+        resetAll(manager);
+        QCOMPARE(valueOf(manager, key, defaultValue), defaultValue);
+        const QVariant declared = OssPreferenceManager::instance()
+                                      ->find(QStringLiteral("Node Graph"), key)
+                                      .defaultValue();
+        if (declared.isValid())
+            QCOMPARE(declared, defaultValue);
+
+        QVERIFY(manager->setProperty(name.constData(), other));
+        QCOMPARE(valueOf(manager, key, defaultValue), other);
+        QVERIFY(property.reset(manager));
+        QCOMPARE(valueOf(manager, key, defaultValue), defaultValue);
+
+        QVERIFY(manager->setProperty(name.constData(), other));
+        manager->savePreferences();
+        {
+            OssSettings settings;
+            settings.beginGroup(QStringLiteral("Node Graph"));
+            QVERIFY(settings.contains(key));
+            QCOMPARE(settings.value(key).toString(), other.toString());
+        }
+        resetAll(manager);
+        manager->loadPreferences();
+        QCOMPARE(valueOf(manager, key, defaultValue), other);
+
+        {
+            OssSettings settings;
+            settings.beginGroup(QStringLiteral("Node Graph"));
+            settings.remove(key);
+        }
+        resetAll(manager);
+        QVERIFY(manager->setProperty(name.constData(), other));
+        manager->loadPreferences();
+        QCOMPARE(valueOf(manager, key, defaultValue), missingGivesDefault ? defaultValue : other);
+        resetAll(manager);
+    }
+
+    // The settings are read in their own order: the collapsed state before the colour space
+    // behaviour, whose change signals listeners then hear in that order.
+    void loadReadsInTheSettingsOrder()
+    {
+        Manager *manager = Manager::instance();
+        resetAll(manager);
+        {
+            OssSettings settings;
+            settings.beginGroup(QStringLiteral("Node Graph"));
+            settings.setValue(QStringLiteral("autoUpdateUpstreamMergeNodeColorspaceEnabled"),
+                              QStringLiteral("Change"));
+            settings.setValue(QStringLiteral("defaultMCMCollapsedState"), int(Manager::Collapsed));
+        }
+        QStringList heard;
+        QObject listener;
+        connect(manager, &Manager::autoUpdateUpstreamMergeNodeColorspaceEnabledChanged, &listener,
+                [&heard] { heard << QStringLiteral("colour space"); });
+        connect(manager, &Manager::defaultMCMCollapsedStateChangedAsInt, &listener,
+                [&heard] { heard << QStringLiteral("collapsed state"); });
+        manager->loadPreferences();
+        QCOMPARE(heard, QStringList({"collapsed state", "colour space"}));
+        OssSettings().remove(QStringLiteral("Node Graph"));
+        resetAll(manager);
+    }
+
+    void listedOnceInItsSection_data() { preferenceRows(); }
+
+    void listedOnceInItsSection()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, section);
+        Manager::instance();
+        OssPreferenceManager *preferences = OssPreferenceManager::instance();
+        const QString page = QStringLiteral("Node Graph");
+        int listed = 0;
+        for (const QString &group : preferences->groups(page))
+            for (const OssPreference &preference : preferences->preferences(page, group))
+                if (preference.key == key) {
+                    ++listed;
+                    QCOMPARE(group, section);
+                }
+        QCOMPARE(listed, 1);
     }
 
 private:
+    // Each preference with its section, its default and a value other than the default.
+    static void preferenceRows()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QVariant>("defaultValue");
+        QTest::addColumn<QVariant>("other");
+        // Whether a preference missing from the settings falls back to its default on load
+        // (else it keeps its current value).
+        QTest::addColumn<bool>("missingGivesDefault");
+        const auto row = [](const char *key, const char *section, const QVariant &defaultValue,
+                            const QVariant &other, bool missingGivesDefault) {
+            QTest::newRow(key) << QString::fromLatin1(key) << QString::fromLatin1(section)
+                               << defaultValue << other << missingGivesDefault;
+        };
+        row("controlType", "General", QStringLiteral("Kova"), QStringLiteral("Ossa"), true);
+        row("defaultNodePortDisplayMode", "General", QStringLiteral("Show Port List (Horizontal)"),
+            QStringLiteral("No Port List (Vertical)"), false);
+        row("isAutoInsertOn", "General", true, false, false);
+        row("zoomTo", "General", int(Manager::Cursor), int(Manager::Center), false);
+        row("autoUpdateUpstreamMergeNodeColorspaceEnabled", "General", QStringLiteral("Prompt"),
+            QStringLiteral("Leave"), true);
+        row("defaultMCMCollapsedState", "Multi-Channel", int(Manager::StreamCollapsed),
+            int(Manager::Collapsed), false);
+        row("shakeToExtractEnabled", "Shake to Extract", true, false, true);
+        row("shakeToExtractShakes", "Shake to Extract", 4, 7, true);
+        row("shakeToExtractTime", "Shake to Extract", 500, 250, true);
+        row("numberOfLastUsedNodePathsToStore", "Quick Node Create Menu", 5, 12, true);
+    }
+
+    // The property's value; enumerations as their numbers.
+    static QVariant valueOf(Manager *manager, const QString &key, const QVariant &like)
+    {
+        const QVariant value = manager->property(key.toLatin1().constData());
+        return like.userType() == QMetaType::Int ? QVariant(value.toInt()) : value;
+    }
+
     static void resetAll(Manager *manager)
     {
         manager->resetControlType();
@@ -318,7 +495,6 @@ private:
     }
 
     OssTestPluginHost m_host;
-    int *m_count = nullptr;
 };
 
 QTEST_MAIN(tst_NodeGraphPreferences)

@@ -234,28 +234,28 @@ private slots:
 
     void preferencesReachEveryView()
     {
-        OssShaderNetworkView other;
-        // The views bind to the manager half a second after they are made.
-        QTRY_VERIFY_WITH_TIMEOUT(other.transformationAnchor() == QGraphicsView::AnchorUnderMouse ||
-                                     other.transformationAnchor() ==
-                                         QGraphicsView::AnchorViewCenter,
-                                 2000);
-        QTest::qWait(600);
         manager()->setZoomTo(OssSnNodeGraphViewContextManager::Center);
-        QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorViewCenter);
+        OssShaderNetworkView other;
+        // The view binds to the manager half a second after it is made, and takes its settings
+        // then.
+        QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        QTRY_COMPARE_WITH_TIMEOUT(other.transformationAnchor(), QGraphicsView::AnchorViewCenter,
+                                  2000);
         QCOMPARE(widget()->view()->transformationAnchor(), QGraphicsView::AnchorViewCenter);
         manager()->setZoomTo(OssSnNodeGraphViewContextManager::Cursor);
         QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        QCOMPARE(widget()->view()->transformationAnchor(), QGraphicsView::AnchorUnderMouse);
         manager()->setZoomTo(7);
         QCOMPARE(other.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        manager()->resetZoomTo();
 
-        other.setCursorTrackingMode(2);
+        other.setCursorTrackingMode(OssNgView::EdgePickUpTracking);
         manager()->setShakeToExtractEnabled(false);
-        QCOMPARE(other.cursorTrackingMode(), 0);
-        other.setCursorTrackingMode(1);
+        QCOMPARE(other.cursorTrackingMode(), int(OssNgView::NormalTracking));
+        other.setCursorTrackingMode(OssNgView::EdgeSeverTracking);
         manager()->setShakeToExtractEnabled(true);
         manager()->setShakeToExtractEnabled(false);
-        QCOMPARE(other.cursorTrackingMode(), 1);
+        QCOMPARE(other.cursorTrackingMode(), int(OssNgView::EdgeSeverTracking));
         manager()->resetShakeToExtractEnabled();
     }
 
@@ -263,9 +263,16 @@ private slots:
     {
         auto *early = new OssShaderNetworkView;
         delete early;
-        QTest::qWait(600);
-        // Preference changes after the timer would have fired reach only live views.
         manager()->setZoomTo(OssSnNodeGraphViewContextManager::Center);
+        // A view made after it binds after it: by then the early view's time has come as well.
+        OssShaderNetworkView later;
+        QTRY_COMPARE_WITH_TIMEOUT(later.transformationAnchor(), QGraphicsView::AnchorViewCenter,
+                                  2000);
+        // Preference changes reach the live views only (a binding of the gone view would call
+        // into freed memory here).
+        manager()->setZoomTo(OssSnNodeGraphViewContextManager::Cursor);
+        QCOMPARE(later.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        QCOMPARE(manager()->zoomTo(), OssSnNodeGraphViewContextManager::Cursor);
         manager()->resetZoomTo();
     }
 
@@ -376,6 +383,78 @@ private slots:
         OssShaderNetwork empty;
         manager()->beautifyNodesLayout(&empty, QList<OssSnBaseNode *>(), true);
         QVERIFY(capture.contains("[ !! ] Nothing to autoplace."));
+    }
+
+    // A node that feeds the root both directly and through another node stands in the deeper
+    // column; a node behind an input tagged hidden is left where it is.
+    void autoplaceTakesTheLongestPathAndSkipsHiddenInputs()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        OssSnBaseNode *root = network->createNode(QStringLiteral("Math/Add"), "Root");
+        OssSnBaseNode *middle = network->createNode(QStringLiteral("Adjust/Invert"), "Middle");
+        OssSnBaseNode *shared = network->createNode(QStringLiteral("Filter/Blur"), "Shared");
+        OssSnBaseNode *masked = network->createNode(QStringLiteral("Filter/Blur"), "Masked");
+        QVERIFY(root->connectInput("A", shared, "Output"));
+        QVERIFY(root->connectInput("B", middle, "Output"));
+        QVERIFY(middle->connectInput("Input", shared, "Output"));
+        QVERIFY(middle->connectInput("Mask", masked, "Output"));
+        OssNgNode *groot = OssSnNodeGraphViewContext::guiNodeOf(root);
+        OssNgNode *gmiddle = OssSnNodeGraphViewContext::guiNodeOf(middle);
+        OssNgNode *gshared = OssSnNodeGraphViewContext::guiNodeOf(shared);
+        OssNgNode *gmasked = OssSnNodeGraphViewContext::guiNodeOf(masked);
+        groot->setPos(800, 400);
+        gmasked->setPos(-3000, -3000);
+        manager()->beautifyNodesLayout(network, root);
+        QCOMPARE(groot->pos(), QPointF(800, 400));
+        QCOMPARE(gmiddle->sceneBoundingRect().right(), groot->sceneBoundingRect().left() - 150.0);
+        QCOMPARE(gshared->sceneBoundingRect().right(), gmiddle->sceneBoundingRect().left() - 150.0);
+        QCOMPARE(gmasked->pos(), QPointF(-3000, -3000));
+    }
+
+    // A tree placed after another keeps clear of it, and the whole call is one undo step.
+    void autoplaceKeepsLaterTreesClearOfEarlierOnes()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        QList<OssSnBaseNode *> first, second;
+        for (QList<OssSnBaseNode *> *tree : {&first, &second})
+            for (int i = 0; i < 3; ++i) {
+                tree->append(network->createNode(QStringLiteral("Filter/Blur"), QString(), false));
+                if (i > 0)
+                    QVERIFY(tree->at(i - 1)->connectInput("Input", tree->at(i), "Output"));
+            }
+        // The second root stands on top of the first one.
+        OssSnNodeGraphViewContext::guiNodeOf(first.first())->setPos(0, 0);
+        OssSnNodeGraphViewContext::guiNodeOf(second.first())->setPos(10, 10);
+        QHash<OssSnBaseNode *, QPointF> before;
+        for (OssSnBaseNode *node : first + second)
+            before.insert(node, OssSnNodeGraphViewContext::guiNodeOf(node)->pos());
+        OssUndoManager::instance()->clear();
+        manager()->beautifyNodesLayout(network, {first.first(), second.first()});
+        QCOMPARE(OssUndoManager::instance()->count(), 1);
+        for (OssSnBaseNode *a : qAsConst(first))
+            for (OssSnBaseNode *b : qAsConst(second))
+                QVERIFY(!OssSnNodeGraphViewContext::guiNodeOf(a)->sceneBoundingRect().intersects(
+                    OssSnNodeGraphViewContext::guiNodeOf(b)->sceneBoundingRect()));
+        OssUndoManager::instance()->undo();
+        for (OssSnBaseNode *node : first + second)
+            QCOMPARE(OssSnNodeGraphViewContext::guiNodeOf(node)->pos(), before.value(node));
+    }
+
+    // Closing the project lets go of every scene, group network and remembered view.
+    void closingTheProjectForgetsScenesGroupsAndViews()
+    {
+        OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
+        auto *group = qobject_cast<OssSnGroupNode *>(network->createNode("Misc/Group"));
+        QVERIFY(group);
+        OssShaderNetwork *inner = group->groupNetwork();
+        QCOMPARE(manager()->groupNodeOfNetwork(inner), group);
+        OssShaderNetworkManager::instance()->setCurrentShaderNetwork(network);
+        QVERIFY(manager()->hasScene(network));
+        QVERIFY(!manager()->viewRect(network).isNull());
+        OssProjectManager::instance()->closeProject();
+        QCOMPARE(manager()->sceneCount(), 0);
+        QVERIFY(!manager()->groupNodeOfNetwork(inner));
+        QTRY_VERIFY(manager()->viewRect(network).isNull());
     }
 
     // Removing many nodes at once runs without a spatial index, which comes back when the event
