@@ -70,8 +70,16 @@ void OssUndoManager::addUndo(OssUndoCommand *step, bool execute)
         m_macro->m_steps.push_back(owned.release());
         return;
     }
+    const bool wasClean = isClean();
     record(std::move(owned));
+    announce(wasClean);
+}
+
+void OssUndoManager::announce(bool wasClean)
+{
     emit historyChanged();
+    if (isClean() != wasClean)
+        emit cleanChanged(isClean());
 }
 
 void OssUndoManager::record(std::unique_ptr<OssUndoCommand> step)
@@ -102,8 +110,9 @@ void OssUndoManager::closeMacro()
     // A cancelled macro has no steps left unless more were made after the cancel.
     if (macro->m_steps.empty())
         return;
+    const bool wasClean = isClean();
     record(std::move(macro));
-    emit historyChanged();
+    announce(wasClean);
 }
 
 int OssUndoManager::macroStepCount() const
@@ -138,42 +147,48 @@ void OssUndoManager::clear()
 {
     if (m_macro)
         return;
+    const bool wasClean = isClean();
     std::vector<std::unique_ptr<OssUndoCommand>> steps = std::move(m_steps);
     m_steps.clear();
     m_index = 0;
     m_cleanIndex = 0;
     for (std::unique_ptr<OssUndoCommand> &step : steps)
         step.reset();
-    emit historyChanged();
+    announce(wasClean);
 }
 
 void OssUndoManager::setClean()
 {
+    const bool wasClean = isClean();
     m_cleanIndex = m_index;
+    if (!wasClean)
+        emit cleanChanged(true);
 }
 
 void OssUndoManager::undo()
 {
     if (m_macro || !canUndo())
         return;
+    const bool wasClean = isClean();
     {
         ReplayGuard guard(m_replaying);
         m_steps[static_cast<size_t>(m_index - 1)]->undo();
         --m_index;
     }
-    emit historyChanged();
+    announce(wasClean);
 }
 
 void OssUndoManager::redo()
 {
     if (m_macro || !canRedo())
         return;
+    const bool wasClean = isClean();
     {
         ReplayGuard guard(m_replaying);
         m_steps[static_cast<size_t>(m_index)]->redo();
         ++m_index;
     }
-    emit historyChanged();
+    announce(wasClean);
 }
 
 OssUndoManager::AutoMacro::AutoMacro(const QString &title)

@@ -78,12 +78,16 @@ public slots:
 signals:
     // After a step is pushed, undone or redone, and after the history is cleared.
     void historyChanged();
+    // The history reached or left its clean state (the position of the last save).
+    void cleanChanged(bool clean);
 
 private:
     explicit OssUndoManager(QObject *parent = nullptr);
 
     // Appends a step that is already done, dropping the undone steps after the present one.
     void record(std::unique_ptr<OssUndoCommand> step);
+    // Tells listeners the history changed, and whether it became clean or unclean.
+    void announce(bool wasClean);
     void openMacro(const QString &title);
     void closeMacro();
     int macroStepCount() const;

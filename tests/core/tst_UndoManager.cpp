@@ -2,6 +2,7 @@
 #include "OssUndoCommand.h"
 #include "OssUndoManager.h"
 
+#include <QSignalSpy>
 #include <QtTest>
 
 #include <memory>
@@ -175,25 +176,38 @@ private slots:
     void cleanState()
     {
         OssUndoManager *manager = OssUndoManager::instance();
-        QVERIFY(manager->isClean());
+        QSignalSpy clean(manager, &OssUndoManager::cleanChanged);
+        // Each entry: whether the history is clean after the step, and whether it announced it.
+        const auto expect = [&](bool isClean, const QList<bool> &announced) {
+            QCOMPARE(manager->isClean(), isClean);
+            QList<bool> heard;
+            for (const QList<QVariant> &arguments : qAsConst(clean))
+                heard << arguments.at(0).toBool();
+            clean.clear();
+            QCOMPARE(heard, announced);
+        };
+        expect(true, {});
         runScript(QStringLiteral("+1"));
-        QVERIFY(!manager->isClean());
+        expect(false, {false});
         manager->setClean();
-        QVERIFY(manager->isClean());
+        expect(true, {true});
+        manager->setClean();
+        expect(true, {});
         runScript(QStringLiteral("+2"));
-        QVERIFY(!manager->isClean());
+        expect(false, {false});
         manager->undo();
-        QVERIFY(manager->isClean());
+        expect(true, {true});
         manager->undo();
-        QVERIFY(!manager->isClean());
+        expect(false, {false});
         // Recording after undoing past the clean state loses it for good.
         runScript(QStringLiteral("+3"));
+        expect(false, {});
         manager->undo();
-        QVERIFY(!manager->isClean());
+        expect(false, {});
         manager->redo();
-        QVERIFY(!manager->isClean());
+        expect(false, {});
         manager->clear();
-        QVERIFY(manager->isClean());
+        expect(true, {true});
     }
 
     void stepAlreadyMadeIsNotRunAgain()
