@@ -2,9 +2,9 @@
 
 #include <OssClassFactory.h>
 
+#include "OssSnGeoChannelNodeGraphViewContext.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"
-#include "OssSnSpecialNodeGraphViewContexts.h"
 #include "OssSnUINodeGraphViewContext.h"
 
 // The factories of the view-context classes, known to the host's class factory manager by the

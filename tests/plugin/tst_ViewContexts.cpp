@@ -1,12 +1,12 @@
 #include "OssTestPluginHost.h"
 
 #include "OssShaderNetworkView.h"
+#include "OssSnGeoChannelNodeGraphViewContext.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextLoader.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "OssSnNodeGraphWidget.h"
-#include "OssSnSpecialNodeGraphViewContexts.h"
 #include "OssSnUINodeGraphViewContext.h"
 
 #include <OssClassFactory.h>

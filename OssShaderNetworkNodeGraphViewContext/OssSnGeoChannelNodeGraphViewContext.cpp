@@ -1,4 +1,4 @@
-#include "OssSnSpecialNodeGraphViewContexts.h"
+#include "OssSnGeoChannelNodeGraphViewContext.h"
 
 #include "ZelGLTextureToken.h"
 

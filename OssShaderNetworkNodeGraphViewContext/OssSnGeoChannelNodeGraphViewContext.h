@@ -2,6 +2,9 @@
 
 #include "OssSnNodeGraphViewContext.h"
 
+// The three small contexts that show a node's channel or baked state with marks, icons and
+// text: bake points, geo-channels and teleports.
+
 // Bake points: baked and stale marks, geo-channel, patch-range and filter icons.
 class OssSnBakePointNodeGraphViewContext : public OssSnNodeGraphViewContext
 {
