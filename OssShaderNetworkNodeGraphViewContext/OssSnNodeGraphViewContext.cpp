@@ -689,8 +689,11 @@ void OssSnNodeGraphViewContext::onParentNodeInputRemoved(QString input)
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointAdded(QString outputPoint)
 {
-    if (guiNode())
-        guiNode()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
+    if (!guiNode())
+        return;
+    guiNode()->addOutputPort(outputPoint, !parentNode()->outputPortsHidden());
+    // A port put back by undo returns to its place, not to the end.
+    guiNode()->setOutputPortOrder(parentNode()->outputPointNames());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeOutputPointRemoved(QString outputPoint)

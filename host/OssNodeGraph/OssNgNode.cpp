@@ -235,18 +235,35 @@ bool OssNgNode::renameOutputPort(const QString &oldName, const QString &newName)
     return true;
 }
 
+namespace {
+
+QVector<OssNgPort> reordered(const QVector<OssNgPort> &ports, const QStringList &order)
+{
+    QVector<OssNgPort> result;
+    result.reserve(ports.size());
+    for (const QString &name : order)
+        for (const OssNgPort &port : ports)
+            if (port.name == name) {
+                result.append(port);
+                break;
+            }
+    for (const OssNgPort &port : ports)
+        if (!order.contains(port.name))
+            result.append(port);
+    return result;
+}
+
+} // namespace
+
 void OssNgNode::setInputPortOrder(const QStringList &order)
 {
-    QVector<OssNgPort> reordered;
-    for (const QString &name : order) {
-        const int index = indexOfInput(name);
-        if (index >= 0)
-            reordered.append(m_inputs.at(index));
-    }
-    for (const OssNgPort &port : qAsConst(m_inputs))
-        if (!order.contains(port.name))
-            reordered.append(port);
-    m_inputs = reordered;
+    m_inputs = reordered(m_inputs, order);
+    relayout();
+}
+
+void OssNgNode::setOutputPortOrder(const QStringList &order)
+{
+    m_outputs = reordered(m_outputs, order);
     relayout();
 }
 

@@ -110,7 +110,9 @@ public:
     bool removeOutputPort(const QString &name);
     bool renameInputPort(const QString &oldName, const QString &newName);
     bool renameOutputPort(const QString &oldName, const QString &newName);
+    // Puts the named ports first, in the order given; the others follow in their own order.
     void setInputPortOrder(const QStringList &order);
+    void setOutputPortOrder(const QStringList &order);
     void clearPorts();
     void setOutputPortUsed(const QString &name, bool used);
     void setInputPortText(const QString &name, const QString &text);

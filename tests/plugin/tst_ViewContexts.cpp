@@ -641,6 +641,54 @@ private slots:
         m_network->removeNodes({group});
         QCOMPARE(widget->count(), 1);
     }
+
+    void groupPortsComeBackInPlaceOnUndo_data()
+    {
+        QTest::addColumn<QString>("inner");
+        QTest::newRow("first input") << "A";
+        QTest::newRow("middle input") << "B";
+        QTest::newRow("first output") << "X";
+    }
+
+    // The group's GUI node shows its ports in the group's order with the outer edges attached,
+    // also after an inner input or output node is removed and the removal undone.
+    void groupPortsComeBackInPlaceOnUndo()
+    {
+        QFETCH(QString, inner);
+        auto *group = qobject_cast<OssSnGroupNode *>(make("Misc/Group"));
+        OssShaderNetwork *network = group->groupNetwork();
+        for (const char *name : {"A", "B", "C"}) {
+            network->createNode(QStringLiteral("_System/Group Input"), QString::fromLatin1(name));
+            QVERIFY(group->connectInput(QString::fromLatin1(name), make("Procedural/Noise/Perlin"),
+                                        QStringLiteral("Output")));
+        }
+        for (const char *name : {"X", "Y"}) {
+            network->createNode(QStringLiteral("_System/Group Output"), QString::fromLatin1(name));
+            QVERIFY(make("Filter/Blur")
+                        ->connectInput(QStringLiteral("Input"), group, QString::fromLatin1(name)));
+        }
+        const auto guiAgrees = [&] {
+            QCOMPARE(gui(group)->inputPortNames(), group->inputNames());
+            QCOMPARE(gui(group)->outputPortNames(), group->outputPointNames());
+            for (const QString &input : group->inputNames()) {
+                OssNgEdge *edge = gui(group)->input(input);
+                QVERIFY(edge);
+                QCOMPARE(edge->sourceNode(), gui(group->inputConnection(input)));
+            }
+        };
+        guiAgrees();
+        {
+            OssUndoManager::AutoMacro macro(QStringLiteral("Remove Selected Nodes"));
+            network->removeNodes({network->node(inner)});
+        }
+        guiAgrees();
+        if (QTest::currentTestFailed())
+            return;
+        OssUndoManager::instance()->undo();
+        QCOMPARE(group->inputNames(), QStringList({"A", "B", "C"}));
+        QCOMPARE(group->outputPointNames(), QStringList({"X", "Y"}));
+        guiAgrees();
+    }
 };
 
 QTEST_MAIN(tst_ViewContexts)
