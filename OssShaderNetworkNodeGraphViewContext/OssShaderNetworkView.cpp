@@ -4,7 +4,6 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <OssDebug.h>
-#include <OssLayerShaderManager.h>
 #include <OssNgBackdropNode.h>
 #include <OssNgExtendedNode.h>
 #include <OssNgStyle.h>
@@ -477,18 +476,6 @@ void OssShaderNetworkView::uniformariseContainers(const QList<OssSnBaseNode *> &
 }
 
 // --- commands
-
-void OssShaderNetworkView::selectAll()
-{
-    if (!m_network) {
-        OSS_DEBUG("m_network is NULL");
-        return;
-    }
-    // Set on the business nodes; the scene follows them.
-    for (OssSnBaseNode *node : m_network->nodes())
-        if (!OssLayerShaderManager::isSystemShaderNode(node, true))
-            node->setSelected(true);
-}
 
 OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const QPointF &scenePos)
 {

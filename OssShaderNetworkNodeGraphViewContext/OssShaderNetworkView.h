@@ -5,6 +5,7 @@
 
 #include <QMap>
 #include <QPointF>
+#include <functional>
 
 class OssNgEdge;
 class OssNgNode;
@@ -56,6 +57,23 @@ public slots:
     void frameSelectedNodes();
     void fitToViewAction();
     void ensureIsVisibleAction();
+
+    // --- selection navigation: from the selected nodes along the graph. The adding forms keep
+    // the selection and add what they find; the others move the selection there (and keep it
+    // when they find nothing).
+    void selectAllUpstream();
+    void selectAllDownstream();
+    void selectStreamUpstream();
+    void selectStreamDownstream();
+    void selectUpstream();
+    void selectDownstream();
+    void addSelectUpstream();
+    void addSelectDownstream();
+    void selectNextSibling();
+    void selectPrevSibling();
+    void addSelectNextSibling();
+    void addSelectPrevSibling();
+    void selectBetween();
     // Adds every node of the view's network except system shader nodes to the selection.
     void selectAll();
 
@@ -82,6 +100,12 @@ protected:
 
 private:
     QRectF selectionBounds(int *count = nullptr) const;
+    // The selected scene items that are GUI nodes, as business nodes, without system shader
+    // nodes: where every selection walk starts.
+    QList<OssSnBaseNode *> selectedBusinessNodes() const;
+    void addToSelection(const std::function<QList<OssSnBaseNode *>(OssSnBaseNode *)> &gather,
+                        bool sameNetworkOnly);
+    void replaceSelection(const std::function<QList<OssSnBaseNode *>(OssSnBaseNode *)> &gather);
     void applyZoomAnchor();
     void recordMoves(const QList<OssNgNode *> &nodes);
 
