@@ -11,6 +11,7 @@ class OssNgEdge;
 class OssNgNode;
 class OssShaderNetwork;
 class OssSnBaseNode;
+class OssSnMultiChannelMergeNode;
 class QAction;
 
 // The node-graph editor of one shader network (root level or a group's subgraph): a view on
@@ -77,6 +78,27 @@ public slots:
     // Adds every node of the view's network except system shader nodes to the selection.
     void selectAll();
 
+    // --- node editing commands, each one undo step on the view's network and its selection
+    // Shows a node (the selected one when null) in the viewer's input Num (1 when not given);
+    // nothing selected only switches the viewer's current input.
+    void connectSelectedNodeToViewer(OssSnBaseNode *Node, int Num);
+    void connectSelectedNodeToViewer(OssSnBaseNode *Node);
+    void connectSelectedNodeToViewer();
+    void onOutputPointSelected(QAction *action);
+    void moveViewerToMouse();
+    void deleteSelectedNodes();
+    void deleteAllNodes();
+    void disableSelectedNodes();
+    void bypassSelectedNode();
+    void extractSelectedNode();
+    void duplicateSelectedNodes();
+    void cutNodesAction();
+    void copyNodesAction();
+    void pasteNodesAction();
+    void popupRenameWindow();
+    void popupRenameWindow(OssNgNode *NodeToRename);
+    void swapInputs();
+
     void onZoomToChanged();
     void allowViewUpdateChanged(bool AllowViewUpdate);
     void onProjectClosed();
@@ -106,6 +128,16 @@ private:
     void addToSelection(const std::function<QList<OssSnBaseNode *>(OssSnBaseNode *)> &gather,
                         bool sameNetworkOnly);
     void replaceSelection(const std::function<QList<OssSnBaseNode *>(OssSnBaseNode *)> &gather);
+    // The network's selected nodes without the first viewer among them.
+    QList<OssSnBaseNode *> selectionWithoutViewer() const;
+    QPointF cursorScenePos() const;
+    void showAsCurrentMaterial(OssSnBaseNode *node);
+    void connectViewerInput(OssSnBaseNode *viewer, OssSnBaseNode *node, const QString &outputPoint,
+                            int number);
+    // Pasted, duplicated and imported nodes: selected alone, moved to Position as a group, named
+    // uniquely, their delayed knobs made and their backdrops' child lists refreshed.
+    void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPointF *position);
+    void batchSwapInputs(OssSnMultiChannelMergeNode *merge);
     void applyZoomAnchor();
     void recordMoves(const QList<OssNgNode *> &nodes);
 
