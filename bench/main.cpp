@@ -2,6 +2,7 @@
 // several graph sizes, and prints a table plus one machine-readable line per scenario:
 //   scenario <name> <N> <ours_ms> <baseline_ms> <ratio>
 #include "BenchSystem.h"
+#include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <OssProjectManager.h>
@@ -391,6 +392,47 @@ int main(int argc, char **argv)
         });
         results.push_back(Result{QStringLiteral("undo_redo_remove_all"), size, undoRedo, removal});
         OssUndoManager::instance()->undo();
+        settle(ours);
+        // The view's "Remove Selected Nodes" of 1,000 selected nodes and its undo, against taking
+        // the same number of selected items out of the bare scene and putting them back.
+        const int removed = qMin(1000, graph.nodes.size());
+        const auto [plainRemoval, plainPutBack] = [&] {
+            baseline.build(graph);
+            settle(baseline);
+            baseline.selectNodes(removed);
+            const QList<QGraphicsItem *> items = baseline.scene()->selectedItems();
+            const double out = elapsedMs([&] {
+                for (QGraphicsItem *item : items)
+                    baseline.scene()->removeItem(item);
+                settle(baseline);
+            });
+            const double in = elapsedMs([&] {
+                for (QGraphicsItem *item : items)
+                    baseline.scene()->addItem(item);
+                settle(baseline);
+            });
+            baseline.tearDown();
+            return std::make_pair(out, in);
+        }();
+        auto *view = qobject_cast<OssShaderNetworkView *>(ours.view());
+        ours.selectNodes(removed);
+        const double deleteSelected = elapsedMs([&] {
+            view->deleteSelectedNodes();
+            settle(ours);
+        });
+        results.push_back(
+            Result{QStringLiteral("delete_selected"), size, deleteSelected, plainRemoval});
+        const double undoDelete = elapsedMs([&] {
+            OssUndoManager::instance()->undo();
+            settle(ours);
+        });
+        results.push_back(
+            Result{QStringLiteral("undo_delete_selected"), size, undoDelete, plainPutBack});
+        // Selecting everything upstream of the root (an absolute target: no baseline).
+        ours.selectNodes(0);
+        ours.nodes().first()->setSelected(true);
+        const double upstream = elapsedMs([&] { view->selectAllUpstream(); });
+        results.push_back(Result{QStringLiteral("select_upstream_root"), size, upstream, -1});
         // Save, close and open again, against writing and reading the scene's items as XML.
         const QString path = QDir::temp().filePath(QStringLiteral("ossa-bench.ossa"));
         // The three parts are reported too, so that the largest one is plain to see.

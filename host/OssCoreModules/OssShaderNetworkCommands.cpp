@@ -83,7 +83,7 @@ OssSnInsertNodeCommand::OssSnInsertNodeCommand(OssShaderNetwork *network, OssSnB
 
 OssSnInsertNodeCommand::~OssSnInsertNodeCommand()
 {
-    if (m_node && !m_node->parent())
+    if (m_out && m_node && !m_node->parent())
         delete m_node.data();
 }
 
@@ -95,6 +95,7 @@ void OssSnInsertNodeCommand::redo()
         m_network->restoreNodeDirect(m_node, m_taken);
     else
         m_network->addNodeDirect(m_node);
+    m_out = false;
 }
 
 void OssSnInsertNodeCommand::undo()
@@ -103,6 +104,7 @@ void OssSnInsertNodeCommand::undo()
         return;
     m_taken = m_network->takeNodeDirect(m_node);
     m_undone = true;
+    m_out = true;
 }
 
 OssSnRemoveNodeCommand::OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)
@@ -112,7 +114,7 @@ OssSnRemoveNodeCommand::OssSnRemoveNodeCommand(OssShaderNetwork *network, OssSnB
 
 OssSnRemoveNodeCommand::~OssSnRemoveNodeCommand()
 {
-    if (m_node && !m_node->parent())
+    if (m_out && m_node && !m_node->parent())
         delete m_node.data();
 }
 
@@ -132,6 +134,7 @@ void OssSnRemoveNodeCommand::redo()
         if (link.target)
             link.target->setConnectionDirect(link.input, nullptr, QString());
     m_taken = m_network->takeNodeDirect(m_node);
+    m_out = true;
 }
 
 void OssSnRemoveNodeCommand::undo()
@@ -139,6 +142,7 @@ void OssSnRemoveNodeCommand::undo()
     if (!m_network || !m_node)
         return;
     m_network->restoreNodeDirect(m_node, m_taken);
+    m_out = false;
     for (const Link &link : qAsConst(m_links))
         if (link.target && link.source)
             link.target->setConnectionDirect(link.input, link.source, link.output);

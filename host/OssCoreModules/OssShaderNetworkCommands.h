@@ -65,8 +65,8 @@ private:
     QList<OssCustomAttribute> m_before, m_after;
 };
 
-// Puts a node into a network (redo) or takes it out (undo). While the node is out of every
-// network, the step owns it and deletes it with itself.
+// Puts a node into a network (redo) or takes it out (undo). While its undo has the node out of
+// every network, the step owns it and deletes it with itself.
 class OSSCOREMODULES_EXPORT OssSnInsertNodeCommand : public OssUndoCommand
 {
 public:
@@ -81,10 +81,13 @@ private:
     // Set once undone: what a redo puts back.
     OssSnTakenNode m_taken;
     bool m_undone = false;
+    // The node is out because of this step's undo (and so the step's own).
+    bool m_out = false;
 };
 
 // Takes a node and every connection to and from it out of its network (redo) and puts them
-// back (undo). Owns the node while it is out.
+// back (undo). Owns the node while its redo has it out: a step that was undone and is dropped
+// from the history leaves the node alone, whoever has it now.
 class OSSCOREMODULES_EXPORT OssSnRemoveNodeCommand : public OssUndoCommand
 {
 public:
@@ -105,6 +108,7 @@ private:
     QPointer<OssSnBaseNode> m_node;
     QList<Link> m_links;
     OssSnTakenNode m_taken;
+    bool m_out = false;
 };
 
 // The viewer's current edge of a root network.

@@ -542,6 +542,40 @@ private slots:
         undo()->undo();
         QCOMPARE(m_network->viewerNodeCurrentEdge(), 0);
     }
+
+    // A removal that was undone and then dropped from the history (a new step made after the
+    // undo) leaves its nodes alone, even when the new step has taken them out again: they
+    // belong to the new step, whose undo brings them back.
+    void aDroppedUndoneRemovalLeavesItsNodesAlone()
+    {
+        QList<OssSnBaseNode *> nodes;
+        for (int i = 0; i < 3; ++i)
+            nodes << m_network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(nodes[1]->connectInput("Input", nodes[0], "Output"));
+        const QString before = m_network->dump();
+        m_network->removeNodes(nodes);
+        undo()->undo();
+        QCOMPARE(m_network->dump(), before);
+        {
+            OssUndoManager::AutoMacro macro(QStringLiteral("Remove Selected Nodes"));
+            m_network->removeNodes(nodes);
+        }
+        QCOMPARE(m_network->nodeCount(), 0);
+        undo()->undo();
+        QCOMPARE(m_network->dump(), before);
+    }
+
+    // A creation that was undone and then dropped from the history takes its node with it.
+    void aDroppedUndoneCreationDeletesItsNode()
+    {
+        OssSnBaseNode *kept = m_network->createNode(QStringLiteral("Filter/Blur"));
+        QPointer<OssSnBaseNode> dropped = m_network->createNode(QStringLiteral("Filter/Blur"));
+        undo()->undo();
+        QVERIFY(dropped && !dropped->parent());
+        m_network->createNode(QStringLiteral("Adjust/Invert"));
+        QVERIFY(!dropped);
+        QVERIFY(m_network->containsNode(kept));
+    }
 };
 
 QTEST_MAIN(tst_ShaderNetwork)
