@@ -360,11 +360,8 @@ void OssShaderNetworkView::positionNodeAtFreeSpot(OssSnBaseNode *node)
     OssNgNode *gui = guiOf(node);
     if (!gui || !scene())
         return;
-    // Everything but the node itself: the free spot is to the right of the graph.
-    QRectF bounds;
-    for (QGraphicsItem *item : scene()->items())
-        if (item != gui && OssNgNode::fromItem(item))
-            bounds |= item->sceneBoundingRect();
+    // The bounding rectangle of everything in the scene, the node itself included.
+    const QRectF bounds = scene()->itemsBoundingRect();
     const OssNgStyle *style = OssNgStyle::instance();
     gui->setPos(bounds.right() + Gap,
                 bounds.top() + Gap + style->verticalSpacing() + style->verticalSpacingFactor());
@@ -554,5 +551,10 @@ void OssShaderNetworkView::recordMoves(const QList<OssNgNode *> &nodes)
     for (OssNgNode *node : nodes)
         macro.addUndo(new OssNgNodePositionChangeUndo(node, node->savedPosition(), node->pos()),
                       false);
+    // A moved backdrop pushes aside the containers it now reaches.
+    for (OssNgNode *node : nodes)
+        if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(node))
+            settleContainersAround(qobject_cast<OssSnBaseNode *>(backdrop->parent()),
+                                   QRectF(backdrop->savedPosition(), backdrop->nodeSize()));
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }

@@ -41,6 +41,24 @@ public:
                             OssSnBaseNode *referenceContainer);
     void uniformariseContainers(const QList<OssSnBaseNode *> &containers);
 
+    // --- containers (backdrops holding nodes). Moves made here are recorded as undo steps of
+    // the command in progress.
+    // Pushes the container's members that lie below Reference down until the first is one gap
+    // clear of it, then stretches the container to hold every member.
+    void respaceContainer(OssSnBaseNode *container, OssSnBaseNode *reference);
+    // Moves the container, with what it holds, to one gap below Reference.
+    void moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference);
+    // Grows the container to hold Node with a gap to spare.
+    void stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *node);
+    // Fits the container around its members.
+    void wrapContainerAround(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members);
+    // Moves the container with what it holds to the free spot right of the graph, keeping its
+    // height when PreserveY.
+    void moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY);
+    // After Container's rectangle changed from OldRect: the container holding it respaces its
+    // members, or, at the top level, the containers it now reaches below it move down.
+    void settleContainersAround(OssSnBaseNode *container, const QRectF &oldRect);
+
     // --- commands
     // Creates a node of the path key kept in the action's data, beside the selection or at the
     // cursor, as one undo step.
@@ -140,6 +158,10 @@ private:
     void batchSwapInputs(OssSnMultiChannelMergeNode *merge);
     void applyZoomAnchor();
     void recordMoves(const QList<OssNgNode *> &nodes);
+    // The backdrop of a container node; logs and answers null when its GUI node is another kind.
+    class OssNgBackdropNode *containerBackdrop(OssSnBaseNode *container) const;
+    void moveContainerBy(class OssNgBackdropNode *backdrop, const QPointF &delta);
+    void resizeContainer(class OssNgBackdropNode *backdrop, const QRectF &sceneRect);
 
     OssShaderNetwork *m_network = nullptr;
     QMap<OssNgNode *, QPointF> m_nodeStartPositions;

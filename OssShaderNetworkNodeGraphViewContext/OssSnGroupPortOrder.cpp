@@ -2,10 +2,12 @@
 
 #include "OssSnNodeGraphViewContext.h"
 
+#include <OssDebug.h>
 #include <OssShaderNetwork.h>
 #include <OssSnGroupNode.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 // Room between two input nodes lined up side by side.
@@ -14,13 +16,20 @@ constexpr qreal InputNodeGap = 30.0;
 
 void OssSnGroupPortOrder::reorderInputsByPosition(OssSnGroupNode *Group)
 {
-    if (!Group)
+    if (!Group) {
+        OSS_DEBUG("GroupNode is NULL");
         return;
+    }
     QList<OssSnBaseNode *> inputs = Group->groupInputNodes();
-    std::stable_sort(inputs.begin(), inputs.end(), [](OssSnBaseNode *a, OssSnBaseNode *b) {
-        const OssNgNode *ga = OssSnNodeGraphViewContext::guiNodeOf(a);
-        const OssNgNode *gb = OssSnNodeGraphViewContext::guiNodeOf(b);
-        return ga && gb && ga->pos().x() < gb->pos().x();
+    if (inputs.size() < 2)
+        return;
+    // Top first; nodes at one height (and nodes without a GUI node, last) keep the group's order.
+    const auto height = [](OssSnBaseNode *node) {
+        const OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
+        return gui ? gui->scenePos().y() : std::numeric_limits<qreal>::max();
+    };
+    std::stable_sort(inputs.begin(), inputs.end(), [&height](OssSnBaseNode *a, OssSnBaseNode *b) {
+        return height(a) < height(b);
     });
     QStringList order;
     for (OssSnBaseNode *node : inputs)
@@ -28,7 +37,8 @@ void OssSnGroupPortOrder::reorderInputsByPosition(OssSnGroupNode *Group)
     for (const QString &name : Group->inputNames())
         if (!order.contains(name))
             order.append(name);
-    Group->reorderInputs(order);
+    if (order != Group->inputNames())
+        Group->reorderInputs(order);
 }
 
 void OssSnGroupPortOrder::arrangeInputNodes(OssShaderNetwork *Network, const QStringList &Order)

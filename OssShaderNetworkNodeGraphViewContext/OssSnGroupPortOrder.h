@@ -10,7 +10,7 @@ class OssSnGroupNode;
 class OssSnGroupPortOrder
 {
 public:
-    // The group's inputs follow its input nodes from left to right.
+    // The group's inputs follow its input nodes from top to bottom.
     static void reorderInputsByPosition(OssSnGroupNode *Group);
     // The named input nodes are spaced evenly from left to right in the given order, on the row
     // of the highest of them.

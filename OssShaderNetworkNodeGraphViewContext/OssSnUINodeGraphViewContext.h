@@ -2,8 +2,11 @@
 
 #include "OssSnNodeGraphViewContext.h"
 
+#include <QRectF>
+
 // Backdrops, sticky notes and dots: GUI nodes that organise the graph. Title, label, colour
-// and z-order follow the node's user attributes.
+// and z-order follow the node's user attributes; a backdrop is a container that keeps clear of
+// the containers around it.
 class OssSnUINodeGraphViewContext : public OssSnNodeGraphViewContext
 {
     Q_OBJECT
@@ -20,10 +23,25 @@ public:
 
 public slots:
     void onUserAttributeChanged(OssCustomAttribute attribute, OssSnBaseNode *node) override;
+    // The nodes lying on the backdrop (nothing for another kind of GUI node).
+    QList<OssSnBaseNode *> childrenNodes();
     void setText(QString text) override;
-    void onZOrderChanged(int zOrder);
+
+protected slots:
+    void onContainerChildrenRefreshed(QList<OssSnBaseNode *> MemberNodes,
+                                      bool containerChildrenRefreshed);
+    void onContainerStretchedBy(OssSnBaseNode *ReferenceNode);
+    void onContainerPeersStretched(QList<OssSnBaseNode *> ContainerNodeToStretchList);
+    void onContainerRespacedWrt(OssSnBaseNode *ReferenceNode);
+    void onContainerMovedDown(OssSnBaseNode *ReferenceNode);
+    void onContainerMovedToFreshLocation(bool PreserveY);
+    void onZOrderChanged(int ZOrder);
+    // The user resized the backdrop: one undo step with what it pushed aside.
+    void onGuiNodeResizedByUser(QRectF OldRect);
 
 private:
     void applyAttribute(const OssCustomAttribute &attribute);
+    // The current view for a container operation on a backdrop, or null (logged).
+    OssShaderNetworkView *containerView();
     QString m_guiNodeClass;
 };

@@ -274,9 +274,15 @@ bool OssShaderNetworkManager::upgradeNode(OssSnBaseNode *node)
     for (const OssSnNodeTypePort &port : type->outputs)
         if (!node->hasOutputPoint(port.name))
             node->addOutputPoint(port.name, port.type);
+    // A value the node already holds (an old file keeps its attributes as plain user
+    // attributes) stays; only what is missing gets the type's default.
     for (const OssSnNodeTypeAttribute &attribute : type->attributes)
         if (!node->hasNodeAttribute(attribute.name))
-            node->setNodeAttribute(attribute.name, attribute.defaultValue, false);
+            node->setNodeAttribute(attribute.name,
+                                   node->exists(attribute.name)
+                                       ? node->userAttribute(attribute.name).value()
+                                       : attribute.defaultValue,
+                                   false);
     for (const QString &tag : type->tags)
         node->addTag(tag);
     if (node->pathKey().isEmpty())

@@ -5,6 +5,7 @@
 #include "OssSnBaseContext.h"
 #include "OssSnNodeTypeCatalogue.h"
 
+#include <OssClassFactory.h>
 #include <OssDebug.h>
 #include <OssDeserializer.h>
 #include <OssSerializer.h>
@@ -966,9 +967,23 @@ bool OssSnBaseNode::saveObjects(OssSerializer &serializer)
 }
 
 OssSerializableObject *OssSnBaseNode::onLoadSubObject(OssDeserializer &, const QString &name,
-                                                      const QString &)
+                                                      const QString &type)
 {
-    return context(name);
+    if (OssSnBaseContext *existing = context(name))
+        return existing;
+    // A context the node's type did not give it (the type is not installed, or the file is
+    // older than path keys): made from its saved class, so that its state is read and the node
+    // keeps its look.
+    if (!OssClassFactoryManager::instance()->hasFactory(type))
+        return nullptr;
+    QPointer<QObject> made = OssClassFactoryManager::instance()->create(type, this);
+    auto *created = qobject_cast<OssSnBaseContext *>(made.data());
+    if (!created) {
+        delete made.data();
+        return nullptr;
+    }
+    attachContext(name, created);
+    return created;
 }
 
 bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const QString &, int,

@@ -273,6 +273,10 @@ public:
     void emitNodeStateRefreshed() { emit nodeStateRefreshed(); }
 
     bool saveObjects(OssSerializer &serializer) override;
+    // A saved context the node lacks is made from its saved class through the class factories.
+    // The application rebuilds a node of an unknown or missing path key from its saved class
+    // with its saved contexts; without them an old backdrop (saved before path keys) would load
+    // with no GUI node and vanish from the graph instead of being upgraded by its context.
     OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,
                                            const QString &type) override;
     bool onLoadCollection(const QString &name, const QString &type, const QString &elementType,

@@ -10,16 +10,25 @@ OssActionTreeManager *OssActionTreeManager::instance()
 
 OssActionTreeManager::OssActionTreeManager(QObject *parent) : QObject(parent) {}
 
+QString OssActionTreeManager::identity(const QString &path)
+{
+    // Empty components do not count: "/Ossa/NodeGraph/Create//Foo" is "/Ossa/NodeGraph/Create/Foo".
+    QString collapsed;
+    collapsed.reserve(path.size());
+    for (const QChar c : path)
+        if (c != QLatin1Char('/') || !collapsed.endsWith(QLatin1Char('/')))
+            collapsed.append(c);
+    return collapsed;
+}
+
 QString OssActionTreeManager::fullPath(const QString &folder, const QAction *action)
 {
-    // The folder as given followed by the text, with a slash between them when the folder does
-    // not end with one: "/Ossa/NodeGraph/" and "/Ossa/NodeGraph" both give
-    // "/Ossa/NodeGraph/Frame All" (the folders themselves stay distinct).
+    // The folder as given, a slash, and the text, with empty components dropped:
+    // "/Ossa/NodeGraph/" and "/Ossa/NodeGraph" both give "/Ossa/NodeGraph/Frame All" (the
+    // folders themselves stay distinct).
     if (!action)
         return QString();
-    return folder.endsWith(QLatin1Char('/')) || folder.isEmpty()
-               ? folder + action->text()
-               : folder + QLatin1Char('/') + action->text();
+    return folder.isEmpty() ? action->text() : identity(folder + QLatin1Char('/') + action->text());
 }
 
 void OssActionTreeManager::registerAction(const QString &folder, QAction *action)
@@ -53,18 +62,18 @@ void OssActionTreeManager::forget(QObject *action)
 
 bool OssActionTreeManager::hasAction(const QString &fullPath) const
 {
-    return m_byPath.contains(fullPath);
+    return m_byPath.contains(identity(fullPath));
 }
 
 QAction *OssActionTreeManager::findAction(const QString &fullPath) const
 {
-    const QList<QAction *> actions = m_byPath.value(fullPath);
+    const QList<QAction *> actions = m_byPath.value(identity(fullPath));
     return actions.isEmpty() ? nullptr : actions.first();
 }
 
 QList<QAction *> OssActionTreeManager::findActions(const QString &fullPath) const
 {
-    return m_byPath.value(fullPath);
+    return m_byPath.value(identity(fullPath));
 }
 
 QList<QAction *> OssActionTreeManager::actions(const QString &folder) const

@@ -11,9 +11,13 @@
 class QAction;
 
 // The host's tree of actions. An action is filed under a folder path exactly as given and is
-// known by that folder path followed by its text (with a slash between them when the folder
-// does not end with one): "/Ossa/NodeGraph/", "/Ossa/NodeGraph" and "Ossa/NodeGraph/" are three
-// different folders. Several actions may share one identity.
+// known by that folder path, a slash and its text, where empty components do not count:
+// "/Ossa/NodeGraph/", "/Ossa/NodeGraph" and "Ossa/NodeGraph/" are three different folders, and
+// "/Ossa/NodeGraph/Create//Foo" names the action "Foo" filed under "/Ossa/NodeGraph/Create/".
+// (Look-ups ignore empty components so that a plug-in asking for the folder, a slash and the
+// text finds an action of a one-component menu path, filed under a folder ending in a slash:
+// creating the node-creation actions again then finds them instead of adding a second set.)
+// Several actions may share one identity.
 class OSSGUI_EXPORT OssActionTreeManager : public QObject
 {
     Q_OBJECT
@@ -31,6 +35,8 @@ public:
     QStringList folders() const { return m_folders; }
     QList<QAction *> actions(const QString &folder) const;
     static QString fullPath(const QString &folder, const QAction *action);
+    // A full path with empty components dropped: what identifies an action.
+    static QString identity(const QString &path);
 
 signals:
     void actionRegistered(const QString &folder, QAction *action);

@@ -172,6 +172,8 @@ void OssNgBackdropNode::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     if (m_resizing) {
         m_resizing = false;
         emit rectChanged(QRectF(pos(), nodeSize()));
+        if (m_savedRect != QRectF(pos(), nodeSize()))
+            emit resizedByUser(m_savedRect);
         return;
     }
     OssNgNode::mouseReleaseEvent(event);

@@ -49,6 +49,8 @@ public slots:
 signals:
     void zOrderChanged(int zOrder);
     void rectChanged(QRectF rect);
+    // The user finished resizing the backdrop with the mouse; OldRect is where it was.
+    void resizedByUser(QRectF oldRect);
 
 protected:
     void relayout() override {}

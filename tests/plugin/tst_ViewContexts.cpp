@@ -565,7 +565,8 @@ private slots:
         OssSnBaseNode *backdrop = make("Misc/Backdrop");
         auto *backdropGui = qobject_cast<OssNgBackdropNode *>(gui(backdrop));
         QVERIFY(backdropGui);
-        QCOMPARE(backdropGui->titleText(), QStringLiteral("Backdrop"));
+        // The title is the "TitleText" attribute, empty for a new backdrop.
+        QCOMPARE(backdropGui->titleText(), QString());
         backdrop->setUserAttribute(OssCustomAttribute("TitleText", QStringLiteral("Dirt")));
         QCOMPARE(backdropGui->titleText(), QStringLiteral("Dirt"));
         backdrop->setUserAttribute(OssCustomAttribute("ZOrder", 4));
@@ -577,7 +578,8 @@ private slots:
         QVERIFY(qobject_cast<OssNgDotNode *>(gui(dot)));
         m_host.clearLines();
         dot->setUserAttribute(OssCustomAttribute("BackgroundColor", QStringLiteral("1 0 0 1")));
-        QVERIFY(m_host.hasLine("[ !! ] Invalid attribute 'BackgroundColor' on node 'Dot'"));
+        QVERIFY(
+            m_host.hasLine("[ !! ] Invalid attribute 'BackgroundColor' on node '/Head_SG/Dot'"));
     }
 
     void teleportsSignalWhenTheyReachEachOther()
