@@ -22,6 +22,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <memory>
+
 // The view context of backdrops, sticky notes and dots on the real host and plug-in: the GUI
 // node class, the attributes it follows, z-order, names, containers and old backdrops; with
 // the placement at the free spot and the node-creation actions that come with them.
@@ -57,12 +59,13 @@ private:
     {
         return QRectF(backdrop->pos(), backdrop->nodeSize());
     }
-    // Makes the current tab a page that is not a view; the returned page goes with the test.
-    QWidget *leaveNoView()
+    // Makes the current tab a page that is not a view; the page (and its tab) goes with the
+    // returned pointer.
+    std::unique_ptr<QWidget> leaveNoView()
     {
-        auto *page = new QWidget;
-        manager()->nodeGraphWidget()->addTab(page, QStringLiteral("not a view"));
-        manager()->nodeGraphWidget()->setCurrentWidget(page);
+        auto page = std::make_unique<QWidget>();
+        manager()->nodeGraphWidget()->addTab(page.get(), QStringLiteral("not a view"));
+        manager()->nodeGraphWidget()->setCurrentWidget(page.get());
         return page;
     }
 
@@ -275,7 +278,7 @@ private slots:
         QFETCH(QString, slot);
         OssSnBaseNode *upper = backdropAt("Upper", QRectF(0, 0, 600, 400));
         OssSnBaseNode *lower = backdropAt("Lower", QRectF(0, 350, 600, 300));
-        QWidget *page = leaveNoView();
+        const std::unique_ptr<QWidget> page = leaveNoView();
         m_host.clearLines();
         if (slot == QLatin1String("containerMovedToFreshLocation"))
             emit lower->containerMovedToFreshLocation(false);
@@ -287,7 +290,6 @@ private slots:
             emit lower->containerStretchedBy(upper);
         QCOMPARE(m_host.lines(), QStringList{"[ !! ] Fatal error -> no view!"});
         QCOMPARE(area(backdropOf(lower)), QRectF(0, 350, 600, 300));
-        delete page;
     }
 
     void containerSlotsOnANodeThatIsNotABackdrop()
