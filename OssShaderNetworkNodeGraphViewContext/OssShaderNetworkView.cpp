@@ -1,5 +1,6 @@
 #include "OssShaderNetworkView.h"
 
+#include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
@@ -12,6 +13,7 @@
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBaseNode.h>
+#include <OssSnGroupNode.h>
 #include <OssSnViewerNode.h>
 #include <OssUndoManager.h>
 
@@ -19,6 +21,8 @@
 #include <QCursor>
 #include <QFocusEvent>
 #include <QGraphicsScene>
+#include <QGuiApplication>
+#include <QMouseEvent>
 #include <QResizeEvent>
 #include <QTimer>
 
@@ -172,6 +176,37 @@ void OssShaderNetworkView::focusOutEvent(QFocusEvent *event)
 {
     deactivateDotableMode();
     event->ignore();
+}
+
+void OssShaderNetworkView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (!scene())
+        return;
+    // The node whose own hit test takes the point, else the first selected GUI node.
+    OssNgNode *gui = nullptr;
+    for (QGraphicsItem *item : items(event->pos())) {
+        OssNgNode *candidate = OssNgNode::fromItem(item);
+        if (candidate && candidate->hitTest(candidate->mapFromScene(mapToScene(event->pos())))) {
+            gui = candidate;
+            break;
+        }
+    }
+    if (!gui) {
+        const QList<QGraphicsItem *> selected = scene()->selectedItems();
+        gui = selected.isEmpty() ? nullptr : OssNgNode::fromItem(selected.first());
+    }
+    auto *node = gui ? qobject_cast<OssSnBaseNode *>(gui->parent()) : nullptr;
+    if (node) {
+        emit nodeDoubleClicked(node);
+        if (qobject_cast<OssSnGroupNode *>(node) &&
+            QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier))
+            if (auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+                    OssSnNodeGraphViewContext::of(node)))
+                context->showGroupNodeTab();
+        if (node->hasTag(QStringLiteral("_viewer")))
+            OssShaderNetworkManager::instance()->setCurrentViewerNode(node);
+    }
+    QGraphicsView::mouseDoubleClickEvent(event);
 }
 
 void OssShaderNetworkView::deactivateDotableMode()

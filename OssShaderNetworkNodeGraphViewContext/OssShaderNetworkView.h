@@ -50,8 +50,9 @@ public:
     void moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference);
     // Grows the container to hold Node with a gap to spare.
     void stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *node);
-    // Fits the container around its members.
-    void wrapContainerAround(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members);
+    // Fits the container around its members, as an undo step when Undoable.
+    void wrapContainerAround(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members,
+                             bool undoable);
     // Moves the container with what it holds to the free spot right of the graph, keeping its
     // height when PreserveY.
     void moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY);
@@ -136,6 +137,9 @@ signals:
 
 protected:
     void focusOutEvent(QFocusEvent *event) override;
+    // Opens the node's properties; with Control held a group opens its subgraph, and a viewer
+    // node becomes the current viewer.
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

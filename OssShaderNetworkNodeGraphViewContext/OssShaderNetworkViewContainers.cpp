@@ -208,7 +208,7 @@ void OssShaderNetworkView::stretchContainerBy(OssSnBaseNode *container, OssSnBas
 }
 
 void OssShaderNetworkView::wrapContainerAround(OssSnBaseNode *container,
-                                               const QList<OssSnBaseNode *> &members)
+                                               const QList<OssSnBaseNode *> &members, bool undoable)
 {
     OssNgBackdropNode *backdrop = containerBackdrop(container);
     if (!backdrop)
@@ -223,7 +223,8 @@ void OssShaderNetworkView::wrapContainerAround(OssSnBaseNode *container,
     const QRectF oldArea = areaOf(backdrop);
     backdrop->saveBoundingRect();
     backdrop->wrapAroundSelection(bounds);
-    OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
+    if (undoable)
+        OssUndoManager::instance()->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop), false);
     settleContainersAround(container, oldArea);
 }
 

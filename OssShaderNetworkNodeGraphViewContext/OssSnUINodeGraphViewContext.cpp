@@ -141,10 +141,10 @@ OssShaderNetworkView *OssSnUINodeGraphViewContext::containerView()
 }
 
 void OssSnUINodeGraphViewContext::onContainerChildrenRefreshed(QList<OssSnBaseNode *> MemberNodes,
-                                                               bool)
+                                                               bool containerChildrenRefreshed)
 {
     if (OssShaderNetworkView *view = containerView())
-        view->wrapContainerAround(parentNode(), MemberNodes);
+        view->wrapContainerAround(parentNode(), MemberNodes, containerChildrenRefreshed);
 }
 
 void OssSnUINodeGraphViewContext::onContainerStretchedBy(OssSnBaseNode *ReferenceNode)

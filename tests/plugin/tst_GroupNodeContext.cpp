@@ -17,6 +17,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSignalSpy>
 #include <QtTest>
 
 // The view context of group nodes on the real host and plug-in: its subgraph view and tab, the
@@ -294,6 +295,38 @@ private slots:
         QCOMPARE(widget()->tabText(1), QStringLiteral("Hidden"));
         group->setName(QStringLiteral("Scratches"));
         QCOMPARE(widget()->tabText(1), QStringLiteral("Scratches"));
+    }
+
+    // --- opening from the view
+
+    void doubleClickOpensTheGroupWithControl_data()
+    {
+        QTest::addColumn<bool>("control");
+        QTest::newRow("plain double-click") << false;
+        QTest::newRow("control double-click") << true;
+    }
+
+    void doubleClickOpensTheGroupWithControl()
+    {
+        QFETCH(bool, control);
+        QWidget *window = widget()->window();
+        window->resize(1000, 800);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        OssSnGroupNode *group = makeGroup();
+        OssShaderNetworkView *view = manager()->currentView();
+        gui(group)->setPos(0, 0);
+        view->resetTransform();
+        view->centerOn(gui(group)->sceneBoundingRect().center());
+        QSignalSpy opened(view, &OssShaderNetworkView::nodeDoubleClicked);
+        const QPoint at = view->mapFromScene(gui(group)->sceneBoundingRect().center());
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton,
+                           control ? Qt::ControlModifier : Qt::NoModifier, at);
+        QCOMPARE(opened.count(), 1);
+        QCOMPARE(opened.first().first().value<OssSnBaseNode *>(), group);
+        QCOMPARE(widget()->count(), control ? 2 : 1);
+        QCOMPARE(manager()->currentView() == context(group)->subgraphView(), control);
+        window->hide();
     }
 
     // --- onExportAsGizmo

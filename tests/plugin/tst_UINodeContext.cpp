@@ -310,6 +310,65 @@ private slots:
         QVERIFY(area(backdropOf(frame)).contains(gui(blur)->sceneBoundingRect()));
     }
 
+    void onContainerChildrenRefreshed()
+    {
+        OssSnBaseNode *frame = backdropAt("Frame", QRectF(0, 0, 100, 100));
+        OssSnBaseNode *a = make("Filter/Blur", "A");
+        gui(a)->setPos(300, 200);
+        OssSnBaseNode *b = make("Filter/Blur", "B");
+        gui(b)->setPos(600, 500);
+        const int steps = OssUndoManager::instance()->count();
+        {
+            OssUndoManager::AutoMacro macro(QStringLiteral("Refresh"));
+            emit frame->containerChildrenRefreshed({a, b}, true);
+        }
+        const QRectF wrapped = area(backdropOf(frame));
+        QVERIFY(wrapped.contains(gui(a)->sceneBoundingRect()));
+        QVERIFY(wrapped.contains(gui(b)->sceneBoundingRect()));
+        QVERIFY(wrapped.left() > 100);
+        QCOMPARE(OssUndoManager::instance()->count(), steps + 1);
+        OssUndoManager::instance()->undo();
+        QCOMPARE(area(backdropOf(frame)), QRectF(0, 0, 100, 100));
+        // Not undoable: no step is recorded, so the undone one can still be redone.
+        emit frame->containerChildrenRefreshed({a}, false);
+        QVERIFY(area(backdropOf(frame)).contains(gui(a)->sceneBoundingRect()));
+        QVERIFY(OssUndoManager::instance()->canRedo());
+    }
+
+    void onContainerPeersStretched()
+    {
+        OssSnBaseNode *narrow = backdropAt("Narrow", QRectF(50, 0, 200, 100));
+        OssSnBaseNode *wide = backdropAt("Wide", QRectF(0, 200, 500, 100));
+        OssSnBaseNode *note = make("Misc/Sticky Note", "Note");
+        m_host.clearLines();
+        emit narrow->containerPeersStretched({narrow, wide, note});
+        QVERIFY(m_host.hasLine("[ !! ] Invalid container gui node found for node 'Note'"));
+        QCOMPARE(area(backdropOf(narrow)), QRectF(0, 0, 500, 100));
+        QCOMPARE(area(backdropOf(wide)), QRectF(0, 200, 500, 100));
+    }
+
+    void onContainerMovedToFreshLocation_data()
+    {
+        QTest::addColumn<bool>("preserveY");
+        QTest::newRow("keeps its height") << true;
+        QTest::newRow("at the top") << false;
+    }
+
+    void onContainerMovedToFreshLocation()
+    {
+        QFETCH(bool, preserveY);
+        OssSnBaseNode *other = make("Filter/Blur", "Other");
+        gui(other)->setPos(0, -300);
+        OssSnBaseNode *frame = backdropAt("Frame", QRectF(-500, 100, 300, 200));
+        OssSnBaseNode *held = make("Filter/Blur", "Held");
+        gui(held)->setPos(-450, 150);
+        const QRectF others = gui(other)->sceneBoundingRect();
+        emit frame->containerMovedToFreshLocation(preserveY);
+        const QPointF expected(others.right() + 30, preserveY ? 100 : others.top());
+        QCOMPARE(backdropOf(frame)->pos(), expected);
+        QCOMPARE(gui(held)->pos(), expected + QPointF(50, 50));
+    }
+
     // --- the user moves and resizes backdrops
 
     void resizingABackdropPushesTheContainersBelow()
