@@ -90,6 +90,9 @@ public:
 
     // Brings a node up to the installed definition of its version UUID: adds missing inputs,
     // outputs and attributes, keeps values and connections, and records the present hash.
+    // An attribute the node holds only as a plain user attribute (an old backdrop's title and
+    // colour) becomes one of its attributes with its value kept, not the type's default, so
+    // that an upgraded backdrop looks as it was saved.
     bool upgradeNode(OssSnBaseNode *node);
     // Upgrades every node of every known network; the count of upgraded nodes.
     int upgradeNetworks(const QList<OssShaderNetwork *> &networks);

@@ -11,7 +11,9 @@
 #include <OssNgExtendedNode.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
+#include <OssSnBakePointNode.h>
 #include <OssSnGroupNode.h>
+#include <OssSnMultiChannelBakePointNode.h>
 #include <OssSnMultiChannelGroupNode.h>
 #include <OssSnNodeTypeCatalogue.h>
 
@@ -195,6 +197,32 @@ private slots:
         QVERIFY(material);
         QCOMPARE(extended(material)->category(), QStringLiteral("MultiChannelMaterial"));
         QCOMPARE(context(material)->shapeType(), 3);
+    }
+
+    // --- onBakedStateChanged
+
+    void onBakedStateChanged()
+    {
+        auto *multi = qobject_cast<OssSnMultiChannelBakePointNode *>(
+            m_network->createNode(QStringLiteral("_System/MultiChannelBakePoint")));
+        QVERIFY(multi);
+        for (OssSnBaseNode *node : multi->activeBakePointNodes())
+            node->setEnabled(false);
+        emit multi->bakedStateChanged();
+        QVERIFY(!extended(multi)->mark(OssNgExtendedNode::BakedMark));
+        auto *bake = qobject_cast<OssSnBakePointNode *>(
+            multi->groupNetwork()->createNode(QStringLiteral("Misc/Bake Point")));
+        QVERIFY(bake);
+        emit multi->bakedStateChanged();
+        QVERIFY(extended(multi)->mark(OssNgExtendedNode::BakedMark));
+        QVERIFY(!extended(multi)->mark(OssNgExtendedNode::StaleMark));
+        bake->bake(QStringLiteral("Set"));
+        emit multi->bakedStateChanged();
+        QVERIFY(!extended(multi)->mark(OssNgExtendedNode::StaleMark));
+        // A baked result that no longer matches what is upstream is stale.
+        bake->setBakedSignature(QStringLiteral("an older graph"));
+        emit multi->bakedStateChanged();
+        QVERIFY(extended(multi)->mark(OssNgExtendedNode::StaleMark));
     }
 
     // --- tabs
