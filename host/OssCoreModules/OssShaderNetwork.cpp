@@ -7,6 +7,7 @@
 #include "OssSnBaseContext.h"
 #include "OssSnGroupNode.h"
 #include "OssSnImageSetNodeBase.h"
+#include "OssSnNodeTypeCatalogue.h"
 
 #include <OssDebug.h>
 #include <OssDeserializer.h>
@@ -514,8 +515,8 @@ OssSerializableObject *OssShaderNetwork::onLoadSubObject(OssDeserializer &deseri
         // class, so that nothing in the file is lost.
         node = OssShaderNetworkManager::instance()->instantiateNodeOfClass(type, this);
         node->setPathKey(pathKey);
-        m_loadWarnings.append(
-            QStringLiteral("node type '%1' is not installed: %2").arg(pathKey, error));
+        // Told once the node is read: its saved contexts may have upgraded it to a known type.
+        m_untypedNodes.insert(node, error);
     }
     m_loadingNodes.append(node);
     return node;
@@ -544,6 +545,11 @@ void OssShaderNetwork::onLoadFinished()
 {
     const QVector<OssSnBaseNode *> loaded = m_loadingNodes;
     m_loadingNodes.clear();
+    for (auto it = m_untypedNodes.cbegin(); it != m_untypedNodes.cend(); ++it)
+        if (!OssSnNodeTypeCatalogue::instance()->contains(it.key()->pathKey()))
+            m_loadWarnings.append(QStringLiteral("node type '%1' is not installed: %2")
+                                      .arg(it.key()->pathKey(), it.value()));
+    m_untypedNodes.clear();
     QHash<QString, QString> renamed;
     for (OssSnBaseNode *node : loaded) {
         const QString savedName = node->name();

@@ -149,6 +149,8 @@ private:
     QList<OssSnBaseNode *> m_saveSubset;
     int m_viewerEdge = 0;
     QVector<OssSnBaseNode *> m_loadingNodes;
+    // Loaded nodes whose path key named no installed type, with the reason.
+    QHash<OssSnBaseNode *, QString> m_untypedNodes;
     QVector<PendingConnection> m_loadingConnections;
     QStringList m_loadWarnings;
 };

@@ -427,6 +427,9 @@ private slots:
         QVERIFY2(m_host.reset(), qPrintable(m_host.errorString()));
         m_network = m_host.openProject(fixture);
         QVERIFY2(m_network, qPrintable(m_host.errorString()));
+        // Upgraded while it was read: no word of a type that is not installed.
+        for (const QString &line : m_host.lines())
+            QVERIFY2(!line.contains(QStringLiteral("is not installed")), qPrintable(line));
         OssSnBaseNode *loaded = m_network->node(QStringLiteral("Dirt_Backdrop"));
         QVERIFY(loaded);
         QCOMPARE(loaded->pathKey(), QStringLiteral("Misc/Backdrop"));
