@@ -114,6 +114,31 @@ private slots:
         QCOMPARE(OssShaderNetworkManager::instance()->currentViewNetwork(), a);
     }
 
+    // Any number of round trips to another network brings back the very rectangle left.
+    void roundTripsKeepTheViewExactly()
+    {
+        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Head"));
+        OssShadingGroup *second = project->addShadingGroup(QStringLiteral("Eyes_SG"), "Head");
+        OssShaderNetwork *a = project->networks().first();
+        OssShaderNetwork *b = second->network();
+        for (int i = 0; i < 3; ++i)
+            a->createNode(QStringLiteral("Filter/Blur"))->setSelected(false);
+        b->createNode(QStringLiteral("Filter/Blur"))->setSelected(false);
+        OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+        networks->setCurrentShaderNetwork(a);
+        OssShaderNetworkView *view = widget()->view();
+        view->scaleView(0.37);
+        view->centerOn(-811.5, 402.25);
+        const QRectF shown = view->viewportInSceneCoords();
+        const double zoom = view->zoom();
+        for (int round = 0; round < 20; ++round) {
+            networks->setCurrentShaderNetwork(b);
+            networks->setCurrentShaderNetwork(a);
+        }
+        QCOMPARE(view->zoom(), zoom);
+        QCOMPARE(view->viewportInSceneCoords(), shown);
+    }
+
     void collapsedModeActionOnlyTouchesStreamNodes()
     {
         OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
@@ -455,6 +480,66 @@ private slots:
         QCOMPARE(manager()->sceneCount(), 0);
         QVERIFY(!manager()->groupNodeOfNetwork(inner));
         QTRY_VERIFY(manager()->viewRect(network).isNull());
+    }
+
+    // Opening a project while another is open, closing, and opening again in any order: the
+    // root view shows the open project's first network with every node of it, and the scenes
+    // of the open project's group networks stay.
+    void openingOverAnOpenProjectShowsItsGraph_data()
+    {
+        QTest::addColumn<QStringList>("steps");
+        QTest::newRow("sample over new") << QStringList{"new", "sample"};
+        QTest::newRow("other over sample") << QStringList{"sample", "other"};
+        QTest::newRow("sample over other over sample") << QStringList{"sample", "other", "sample"};
+        QTest::newRow("close, then open") << QStringList{"sample", "close", "other"};
+        QTest::newRow("new over sample") << QStringList{"sample", "new"};
+        QTest::newRow("same file again") << QStringList{"sample", "sample"};
+    }
+
+    void openingOverAnOpenProjectShowsItsGraph()
+    {
+        QFETCH(QStringList, steps);
+        // A second project on disk: the sample with one more node in its first network.
+        OssShaderNetwork *sample = m_host.openSample();
+        QVERIFY2(sample, qPrintable(m_host.errorString()));
+        sample->createNode(QStringLiteral("Filter/Blur"))->setName(QStringLiteral("OnlyInOther"));
+        const QString other = m_host.scratchPath(QStringLiteral("other.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(other, &error), qPrintable(error));
+        OssProjectManager::instance()->closeProject();
+
+        OssShaderNetworkView *view = widget()->view();
+        for (const QString &step : steps) {
+            if (step == QLatin1String("close")) {
+                OssProjectManager::instance()->closeProject();
+                QVERIFY(!view->scene());
+                continue;
+            }
+            OssShaderNetwork *network = nullptr;
+            if (step == QLatin1String("new"))
+                network = m_host.newProject();
+            else
+                network = m_host.openProject(step == QLatin1String("other") ? other
+                                                                            : m_host.samplePath());
+            QVERIFY2(network, qPrintable(m_host.errorString()));
+            QCOMPARE(network->node(QStringLiteral("OnlyInOther")) != nullptr,
+                     step == QLatin1String("other"));
+            QCOMPARE(view->network(), network);
+            QVERIFY(view->scene());
+            QCOMPARE(view->scene(), manager()->sceneForNetwork(network));
+            for (OssSnBaseNode *node : network->nodes()) {
+                OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
+                QVERIFY2(gui && gui->scene() == view->scene(), qPrintable(node->name()));
+            }
+            for (OssSnBaseNode *node : network->getAllNodes())
+                if (auto *group = qobject_cast<OssSnGroupNode *>(node)) {
+                    QVERIFY(manager()->hasScene(group->groupNetwork()));
+                    QCOMPARE(manager()->groupNodeOfNetwork(group->groupNetwork()), group);
+                }
+            // The framed view shows the nodes.
+            const QRectF shown = view->viewportInSceneCoords();
+            QVERIFY(shown.intersects(view->visibleNodeBounds()) || network->nodes().isEmpty());
+        }
     }
 
     // Removing many nodes at once runs without a spatial index, which comes back when the event
