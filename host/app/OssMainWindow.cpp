@@ -4,6 +4,7 @@
 #include "OssPreferencesDialog.h"
 
 #include <OssActionTreeManager.h>
+#include <OssApplication.h>
 #include <OssDebug.h>
 #include <OssGroupParameterObject.h>
 #include <OssGuiApplication.h>
@@ -15,6 +16,7 @@
 #include <OssUndoManager.h>
 
 #include <QAction>
+#include <QCloseEvent>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -85,6 +87,8 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
             &OssMainWindow::updateTitle);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
             &OssMainWindow::updateTitle);
+    connect(history, &OssUndoManager::cleanChanged, this,
+            [this](bool clean) { setWindowModified(!clean); });
     rebuildActionMenus();
     updateTitle();
 }
@@ -213,8 +217,15 @@ QDockWidget *OssMainWindow::dockFor(const OssPalette *palette) const
 void OssMainWindow::updateTitle()
 {
     const OssProject *project = OssProjectManager::instance()->currentProject();
-    setWindowTitle(project ? QStringLiteral("Ossa - %1").arg(project->name())
-                           : QStringLiteral("Ossa"));
+    if (!project) {
+        setWindowTitle(QStringLiteral("Ossa"));
+        setWindowModified(false);
+        return;
+    }
+    const QString name =
+        project->filePath().isEmpty() ? project->name() : QFileInfo(project->filePath()).fileName();
+    setWindowTitle(QStringLiteral("Ossa - %1[*]").arg(name));
+    setWindowModified(!OssUndoManager::instance()->isClean());
 }
 
 void OssMainWindow::reportError(const QString &title, const QString &message)
@@ -223,12 +234,73 @@ void OssMainWindow::reportError(const QString &title, const QString &message)
     OssMessageBox::warning(this, title, message);
 }
 
+void OssMainWindow::takeBackFocus()
+{
+    activateWindow();
+    raise();
+}
+
+QString OssMainWindow::chooseProjectFile(bool save)
+{
+    // A queued answer stands for the user's choice; without popups nothing is chosen.
+    QString path;
+    if (OssApplication::hasDialogAnswer()) {
+        path = OssApplication::takeDialogAnswer().toString();
+    } else if (OssApplication::popupsAllowed()) {
+        const QString folder = OssResourceInfo::instance()->projectPath();
+        const QString filter = tr("Ossa projects (*.ossa)");
+        path = save ? QFileDialog::getSaveFileName(this, tr("Save Project As"), folder, filter)
+                    : QFileDialog::getOpenFileName(this, tr("Open Project"), folder, filter);
+        takeBackFocus();
+    }
+    return path;
+}
+
+bool OssMainWindow::maybeSave()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project || OssUndoManager::instance()->isClean())
+        return true;
+    const QString name =
+        project->filePath().isEmpty() ? project->name() : QFileInfo(project->filePath()).fileName();
+    const QMessageBox::StandardButton answer = OssMessageBox::warning(
+        this, tr("Save Changes"),
+        tr("The project \"%1\" has unsaved changes.\nDo you want to save them?").arg(name),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    takeBackFocus();
+    switch (answer) {
+    case QMessageBox::Save:
+        return saveProject();
+    case QMessageBox::Discard:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void OssMainWindow::closeEvent(QCloseEvent *event)
+{
+    if (maybeSave())
+        event->accept();
+    else
+        event->ignore();
+}
+
 void OssMainWindow::newProject()
 {
+    if (!maybeSave())
+        return;
     OssProjectManager::instance()->newProject();
 }
 
 bool OssMainWindow::openProject(const QString &path)
+{
+    if (!maybeSave())
+        return false;
+    return load(path);
+}
+
+bool OssMainWindow::load(const QString &path)
 {
     QString error;
     if (!OssProjectManager::instance()->openProject(path, &error)) {
@@ -240,11 +312,11 @@ bool OssMainWindow::openProject(const QString &path)
 
 void OssMainWindow::openProjectDialog()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open Project"),
-                                                      OssResourceInfo::instance()->projectPath(),
-                                                      tr("Ossa projects (*.ossa)"));
+    if (!maybeSave())
+        return;
+    const QString path = chooseProjectFile(false);
     if (!path.isEmpty())
-        openProject(path);
+        load(path);
 }
 
 bool OssMainWindow::saveProject()
@@ -254,7 +326,8 @@ bool OssMainWindow::saveProject()
         return false;
     if (project->filePath().isEmpty()) {
         saveProjectAsDialog();
-        return !OssProjectManager::instance()->currentProject()->filePath().isEmpty();
+        const OssProject *current = OssProjectManager::instance()->currentProject();
+        return current && !current->filePath().isEmpty() && OssUndoManager::instance()->isClean();
     }
     return saveProjectAs(project->filePath());
 }
@@ -266,14 +339,13 @@ bool OssMainWindow::saveProjectAs(const QString &path)
         reportError(tr("Save Project"), error);
         return false;
     }
+    updateTitle();
     return true;
 }
 
 void OssMainWindow::saveProjectAsDialog()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Project As"),
-                                                      OssResourceInfo::instance()->projectPath(),
-                                                      tr("Ossa projects (*.ossa)"));
+    const QString path = chooseProjectFile(true);
     if (!path.isEmpty())
         saveProjectAs(path);
 }

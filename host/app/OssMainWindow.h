@@ -6,6 +6,7 @@
 
 class OssPalette;
 class OssPluginHost;
+class QCloseEvent;
 class QDockWidget;
 class QMenu;
 class QTimer;
@@ -31,7 +32,12 @@ public:
     // The text of the About box.
     QString aboutText() const;
 
+    // Asks whether to save unsaved edits: true when the caller may go on (saved, discarded, or
+    // nothing to save), false when the user cancelled or the save failed.
+    bool maybeSave();
+
 public slots:
+    // New and open ask first whether to save unsaved edits, and do nothing when cancelled.
     void newProject();
     bool openProject(const QString &path);
     void openProjectDialog();
@@ -48,9 +54,20 @@ public slots:
     // the right the rest; called again after the window changes size programmatically.
     void arrangeDocks();
 
+protected:
+    // Closing the window asks whether to save unsaved edits; Cancel keeps it open.
+    void closeEvent(QCloseEvent *event) override;
+
 private:
     void addPalette(OssPalette *palette);
+    // "Ossa - <file name or project name>[*]", the mark shown while the history is not clean.
     void updateTitle();
+    bool load(const QString &path);
+    // The project file the user picks in a file dialog (or a queued answer); empty when none.
+    QString chooseProjectFile(bool save);
+    // A modal dialog leaves the window without keyboard focus: it gets it back, so that
+    // shortcuts work without a click.
+    void takeBackFocus();
     void reportError(const QString &title, const QString &message);
 
     OssPluginHost *m_plugins = nullptr;

@@ -5,9 +5,12 @@
 #include <OssPreferencesDialog.h>
 
 #include <OssActionTreeManager.h>
+#include <OssApplication.h>
 #include <OssPalette.h>
 #include <OssPreferenceManager.h>
+#include <OssProject.h>
 #include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
 #include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
@@ -16,8 +19,10 @@
 #include <QComboBox>
 #include <QDockWidget>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProcess>
 #include <QSpinBox>
 #include <QtTest>
@@ -99,6 +104,8 @@ private slots:
     void initTestCase()
     {
         QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
+        // Windows closed by the tests must not end the test program's event loops.
+        QApplication::setQuitOnLastWindowClosed(false);
         OssPreferenceManager *preferences = OssPreferenceManager::instance();
         for (const char *key : {"style", "snap", "steps", "scale", "label", "mode"})
             QVERIFY(preferences->registerPreference(
@@ -107,7 +114,123 @@ private slots:
                 &m_settings, key));
     }
 
-    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
+    void cleanup()
+    {
+        OssApplication::clearDialogAnswers();
+        QVERIFY2(m_host.reset(), qPrintable(m_host.errorString()));
+    }
+
+    // The title names the project's file (or the project while it has none) and carries the
+    // modified mark while the history is away from the last save.
+    void titleNamesTheFileAndMarksEdits()
+    {
+        OssMainWindow window;
+        OssShaderNetwork *network = m_host.newProject();
+        QVERIFY(network);
+        QCOMPARE(window.windowTitle(), QStringLiteral("Ossa - Untitled[*]"));
+        QVERIFY(!window.isWindowModified());
+        network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(window.isWindowModified());
+        QVERIFY(window.saveProjectAs(m_host.scratchPath(QStringLiteral("titled.ossa"))));
+        QCOMPARE(window.windowTitle(), QStringLiteral("Ossa - titled.ossa[*]"));
+        QVERIFY(!window.isWindowModified());
+        OssUndoManager::instance()->undo();
+        QVERIFY(window.isWindowModified());
+        OssUndoManager::instance()->redo();
+        QVERIFY(!window.isWindowModified());
+        QVERIFY(window.openProject(m_host.samplePath()));
+        QCOMPARE(window.windowTitle(), QStringLiteral("Ossa - sample.ossa[*]"));
+        QVERIFY(!window.isWindowModified());
+    }
+
+    // New, Open and closing the window ask about unsaved edits: Save writes them first,
+    // Discard drops them, Cancel leaves the project, its edits and the window as they were.
+    void unsavedEditsAreAskedAbout_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<int>("answer");
+        const struct
+        {
+            const char *name;
+            QMessageBox::StandardButton button;
+        } answers[] = {{"save", QMessageBox::Save},
+                       {"discard", QMessageBox::Discard},
+                       {"cancel", QMessageBox::Cancel}};
+        for (const char *command : {"new", "open", "quit"})
+            for (const auto &answer : answers)
+                QTest::addRow("%s, %s", command, answer.name)
+                    << QString::fromLatin1(command) << int(answer.button);
+    }
+
+    void unsavedEditsAreAskedAbout()
+    {
+        QFETCH(QString, command);
+        QFETCH(int, answer);
+        const QString path = m_host.scratchPath(QStringLiteral("edited.ossa"));
+        QFile::remove(path);
+        QVERIFY(m_host.newProject());
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        OssMainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        project->networks().first()->createNode(QStringLiteral("Filter/Blur"), "Edit");
+        QVERIFY(window.isWindowModified());
+
+        OssApplication::queueDialogAnswer(answer);
+        bool closed = false;
+        if (command == QLatin1String("new")) {
+            window.newProject();
+        } else if (command == QLatin1String("open")) {
+            OssApplication::queueDialogAnswer(m_host.samplePath());
+            window.openProjectDialog();
+        } else {
+            closed = window.close();
+        }
+        QVERIFY(!OssApplication::hasDialogAnswer() || answer == QMessageBox::Cancel);
+        OssApplication::clearDialogAnswers();
+
+        if (answer == QMessageBox::Cancel) {
+            QCOMPARE(OssProjectManager::instance()->currentProject(), project);
+            QVERIFY(project->networks().first()->node("Edit"));
+            QVERIFY(window.isWindowModified());
+            QVERIFY(!closed);
+            QVERIFY(window.isVisible());
+        } else {
+            QCOMPARE(closed, command == QLatin1String("quit"));
+            if (command != QLatin1String("quit"))
+                QVERIFY(OssProjectManager::instance()->currentProject() != project);
+        }
+        // What the file holds: the edit only when saved.
+        OssShaderNetwork *reopened = m_host.openProject(path);
+        QVERIFY2(reopened, qPrintable(m_host.errorString()));
+        QCOMPARE(reopened->node("Edit") != nullptr, answer == QMessageBox::Save);
+    }
+
+    // An untitled project asks for a file when Save is chosen; cancelling that dialog cancels
+    // the command.
+    void savingAnUntitledProjectAsksForAFile()
+    {
+        OssMainWindow window;
+        OssShaderNetwork *network = m_host.newProject();
+        network->createNode(QStringLiteral("Filter/Blur"), "Edit");
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        OssApplication::queueDialogAnswer(int(QMessageBox::Save));
+        OssApplication::queueDialogAnswer(QString());
+        window.newProject();
+        QCOMPARE(OssProjectManager::instance()->currentProject(), project);
+        QVERIFY(window.isWindowModified());
+        const QString path = m_host.scratchPath(QStringLiteral("chosen.ossa"));
+        QFile::remove(path);
+        OssApplication::queueDialogAnswer(int(QMessageBox::Save));
+        OssApplication::queueDialogAnswer(path);
+        window.newProject();
+        QVERIFY(OssProjectManager::instance()->currentProject() != project);
+        OssShaderNetwork *reopened = m_host.openProject(path);
+        QVERIFY2(reopened, qPrintable(m_host.errorString()));
+        QVERIFY(reopened->node("Edit"));
+    }
 
     void menuPaths_data()
     {
@@ -317,6 +440,40 @@ private slots:
         QCOMPARE(m_settings.mode(), Settings::Silent);
         QCOMPARE(m_settings.label(), QStringLiteral("bye"));
         QVERIFY(m_settings.saves > saves);
+    }
+
+    // Restore Defaults shows the defaults in the editors; Cancel leaves the preferences as they
+    // were and saves nothing, Apply writes them.
+    void restoreDefaultsWaitsForApply_data()
+    {
+        QTest::addColumn<bool>("applied");
+        QTest::newRow("cancelled") << false;
+        QTest::newRow("applied") << true;
+    }
+
+    void restoreDefaultsWaitsForApply()
+    {
+        QFETCH(bool, applied);
+        m_settings.setSteps(9);
+        const int saves = m_settings.saves;
+        {
+            OssPreferencesDialog dialog;
+            auto *pages = dialog.findChild<QListWidget *>();
+            QVERIFY(pages);
+            const QList<QListWidgetItem *> page = pages->findItems("Test Page", Qt::MatchExactly);
+            QCOMPARE(page.size(), 1);
+            pages->setCurrentItem(page.first());
+            dialog.restoreDefaults();
+            QCOMPARE(qobject_cast<QSpinBox *>(dialog.editorFor("Test Page", "steps"))->value(), 3);
+            QCOMPARE(m_settings.steps(), 9);
+            QCOMPARE(m_settings.saves, saves);
+            if (applied)
+                dialog.apply();
+            else
+                dialog.reject();
+        }
+        QCOMPARE(m_settings.steps(), applied ? 3 : 9);
+        QCOMPARE(m_settings.saves > saves, applied);
     }
 
     void shellProcess_data()
