@@ -8,8 +8,10 @@
 
 #include <OssActionTreeManager.h>
 #include <OssDebug.h>
+#include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgExtendedNode.h>
+#include <OssNgStyle.h>
 #include <OssPalette.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
@@ -540,6 +542,42 @@ private slots:
             const QRectF shown = view->viewportInSceneCoords();
             QVERIFY(shown.intersects(view->visibleNodeBounds()) || network->nodes().isEmpty());
         }
+    }
+
+    // The sample project as the shell first shows it, in the node graph of a 1600 x 1000
+    // window: every node title is drawn, no two nodes overlap, and no two backdrops do (a
+    // backdrop carries the nodes on it when dragged).
+    void theSampleIsReadableWhenFramed()
+    {
+        OssShaderNetwork *network = m_host.openSample();
+        QVERIFY2(network, qPrintable(m_host.errorString()));
+        QWidget *window = widget()->window();
+        const QSize size = window->size();
+        window->resize(1190, 860);
+        OssShaderNetworkView *view = widget()->view();
+        QTRY_VERIFY(view->viewport()->width() > 1100);
+        view->frameNodes(true);
+        const OssNgStyle *style = OssNgStyle::instance();
+        QVERIFY2(view->zoom() * style->titleTextHeight() >= style->minimumTextPixels(),
+                 qPrintable(QString::number(view->zoom())));
+        QList<OssNgNode *> nodes, backdrops;
+        for (OssSnBaseNode *node : network->nodes()) {
+            OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
+            QVERIFY(gui);
+            (qobject_cast<OssNgBackdropNode *>(gui) ? backdrops : nodes).append(gui);
+        }
+        const auto overlapping = [](const QList<OssNgNode *> &items) {
+            for (int i = 0; i < items.size(); ++i)
+                for (int j = i + 1; j < items.size(); ++j)
+                    if (items.at(i)->sceneBoundingRect().intersects(
+                            items.at(j)->sceneBoundingRect()))
+                        return items.at(i)->text() + " and " + items.at(j)->text();
+            return QString();
+        };
+        QCOMPARE(overlapping(nodes), QString());
+        QCOMPARE(overlapping(backdrops), QString());
+        QVERIFY(backdrops.size() >= 2);
+        window->resize(size);
     }
 
     // Removing many nodes at once runs without a spatial index, which comes back when the event
