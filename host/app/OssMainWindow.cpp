@@ -13,15 +13,20 @@
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssResourceInfo.h>
+#include <OssShaderNetwork.h>
+#include <OssShaderNetworkManager.h>
+#include <OssShadingGroup.h>
 #include <OssUndoManager.h>
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QResizeEvent>
 #include <QTimer>
 
 OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
@@ -46,7 +51,13 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     QAction *undo = new QAction(this);
     undo->setShortcut(QKeySequence::Undo);
     QAction *redo = new QAction(this);
-    redo->setShortcut(QKeySequence::Redo);
+    // Redo answers both of the usual keys (Ctrl+Y and Ctrl+Shift+Z) on every platform.
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    for (const QKeySequence &key :
+         {QKeySequence(Qt::CTRL + Qt::Key_Y), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)})
+        if (!redoKeys.contains(key))
+            redoKeys.append(key);
+    redo->setShortcuts(redoKeys);
     OssUndoManager *history = OssUndoManager::instance();
     connect(undo, &QAction::triggered, history, &OssUndoManager::undo);
     connect(redo, &QAction::triggered, history, &OssUndoManager::redo);
@@ -66,6 +77,10 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     edit->addAction(redo);
     edit->addSeparator();
     edit->addAction(tr("&Preferences..."), this, &OssMainWindow::showPreferences);
+
+    m_projectMenu = menuBar()->addMenu(tr("&Project"));
+    connect(m_projectMenu, &QMenu::aboutToShow, this, &OssMainWindow::fillProjectMenu);
+    fillProjectMenu();
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));
     m_helpMenu = menuBar()->addMenu(tr("&Help"));
@@ -168,16 +183,82 @@ void OssMainWindow::rebuildActionMenus()
     }
 }
 
-void OssMainWindow::arrangeDocks()
+QDockWidget *OssMainWindow::sideDock() const
 {
     QDockWidget *side = nullptr;
     for (const QPointer<QDockWidget> &dock : qAsConst(m_docks))
-        if (dock && dock != m_mainDock && dockWidgetArea(dock) == Qt::RightDockWidgetArea)
+        if (dock && dock != m_mainDock && dockWidgetArea(dock) == Qt::RightDockWidgetArea &&
+            dock->isVisible() && !dock->isFloating())
             side = dock;
+    return side;
+}
+
+void OssMainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    QDockWidget *side = sideDock();
+    if (m_mainDock && side && m_mainDock->isVisible() && m_panelWidth > 0 && m_layoutWidth > 0)
+        resizeDocks({m_mainDock.data(), side}, {qMax(200, width() - m_panelWidth), m_panelWidth},
+                    Qt::Horizontal);
+    m_layoutWidth = width();
+}
+
+bool OssMainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    // The panels' width as the user or the arrangement left it, not as a window resize made it.
+    if (event->type() == QEvent::Resize && watched == sideDock() && width() == m_layoutWidth)
+        m_panelWidth = static_cast<QWidget *>(watched)->width();
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void OssMainWindow::fillProjectMenu()
+{
+    m_projectMenu->clear();
+    m_projectMenu->addSection(tr("Shading Groups"));
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project || project->shadingGroups().isEmpty()) {
+        m_projectMenu->addAction(tr("(none)"))->setEnabled(false);
+        return;
+    }
+    const OssShaderNetwork *current = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    if (current)
+        current = current->rootNetwork();
+    auto *choice = new QActionGroup(m_projectMenu);
+    for (OssShadingGroup *group : project->shadingGroups()) {
+        QAction *action = m_projectMenu->addAction(
+            group->entityName().isEmpty()
+                ? group->name()
+                : QStringLiteral("%1 (%2)").arg(group->name(), group->entityName()));
+        action->setCheckable(true);
+        action->setChecked(group->network() && group->network() == current);
+        action->setActionGroup(choice);
+        const QString name = group->name();
+        connect(action, &QAction::triggered, this, [this, name] { showShadingGroup(name); });
+    }
+}
+
+bool OssMainWindow::showShadingGroup(const QString &name)
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project)
+        return false;
+    for (OssShadingGroup *group : project->shadingGroups())
+        if (group->name() == name && group->network()) {
+            OssShaderNetworkManager::instance()->setCurrentShaderNetwork(group->network());
+            return true;
+        }
+    return false;
+}
+
+void OssMainWindow::arrangeDocks()
+{
+    QDockWidget *side = sideDock();
     if (!m_mainDock || !side)
         return;
     const int width = qMax(400, this->width());
-    resizeDocks({m_mainDock.data(), side}, {width * 3 / 4, width - width * 3 / 4}, Qt::Horizontal);
+    m_panelWidth = width - width * 3 / 4;
+    m_layoutWidth = this->width();
+    resizeDocks({m_mainDock.data(), side}, {width - m_panelWidth, m_panelWidth}, Qt::Horizontal);
 }
 
 void OssMainWindow::addPalette(OssPalette *palette)
@@ -193,9 +274,23 @@ void OssMainWindow::addPalette(OssPalette *palette)
     // The node graph takes the large left area; panels go to the right.
     const bool main = m_docks.isEmpty();
     addDockWidget(main ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, dock);
-    if (main)
+    if (main) {
         m_mainDock = dock;
+        // Shown again, the node graph takes its large share back.
+        connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool visible) {
+            if (!visible) {
+                // Closed by the user, not hidden with a minimised window.
+                m_graphClosed = dock->isHidden();
+                return;
+            }
+            if (m_graphClosed) {
+                m_graphClosed = false;
+                QTimer::singleShot(0, this, &OssMainWindow::arrangeDocks);
+            }
+        });
+    }
     m_docks.insert(palette, dock);
+    dock->installEventFilter(this);
     arrangeDocks();
     m_windowMenu->addAction(dock->toggleViewAction());
     connect(palette, &OssPalette::showRequested, dock, [dock] {

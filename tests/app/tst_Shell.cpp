@@ -11,6 +11,8 @@
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
+#include <OssShaderNetworkManager.h>
+#include <OssShadingGroup.h>
 #include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
@@ -356,6 +358,96 @@ private slots:
         OssUndoManager::instance()->clear();
         QVERIFY(!undo->isEnabled());
         QCOMPARE(redo->text(), QStringLiteral("&Redo"));
+    }
+
+    // Redo answers Ctrl+Y as well as Ctrl+Shift+Z.
+    void redoAnswersBothKeys()
+    {
+        OssMainWindow window;
+        QMenu *edit = nullptr;
+        for (QAction *entry : window.menuBar()->actions())
+            if (entry->text() == QLatin1String("&Edit"))
+                edit = entry->menu();
+        QVERIFY(edit);
+        const QList<QKeySequence> keys = edit->actions().at(1)->shortcuts();
+        QVERIFY(keys.contains(QKeySequence(QStringLiteral("Ctrl+Y"))));
+        QVERIFY(keys.contains(QKeySequence(QStringLiteral("Ctrl+Shift+Z"))));
+    }
+
+    // The Project menu lists the shading groups; choosing one makes its network current.
+    void projectMenuChoosesTheShadingGroup()
+    {
+        OssMainWindow window;
+        OssShaderNetwork *shell = m_host.openSample();
+        QVERIFY2(shell, qPrintable(m_host.errorString()));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        QCOMPARE(project->shadingGroups().size(), 2);
+        OssShaderNetwork *visor = project->shadingGroups().at(1)->network();
+        const auto groups = [&window] {
+            emit window.projectMenu()->aboutToShow();
+            QList<QAction *> actions;
+            for (QAction *action : window.projectMenu()->actions())
+                if (action->isCheckable())
+                    actions.append(action);
+            return actions;
+        };
+        QList<QAction *> actions = groups();
+        QCOMPARE(actions.size(), 2);
+        QCOMPARE(actions.at(0)->text(), QStringLiteral("Helmet_Shell_SG (Helmet)"));
+        QCOMPARE(actions.at(1)->text(), QStringLiteral("Helmet_Visor_SG (Helmet)"));
+        QVERIFY(actions.at(0)->isChecked());
+        actions.at(1)->trigger();
+        QCOMPARE(OssShaderNetworkManager::instance()->currentShaderNetwork(), visor);
+        actions = groups();
+        QVERIFY(!actions.at(0)->isChecked());
+        QVERIFY(actions.at(1)->isChecked());
+        QVERIFY(window.showShadingGroup(QStringLiteral("Helmet_Shell_SG")));
+        QCOMPARE(OssShaderNetworkManager::instance()->currentShaderNetwork(), shell);
+        QVERIFY(!window.showShadingGroup(QStringLiteral("Nowhere_SG")));
+        QCOMPARE(OssShaderNetworkManager::instance()->currentShaderNetwork(), shell);
+    }
+
+    // A wider window widens the node graph, the panel keeps its width; the node graph shown
+    // again after being closed takes its large share back.
+    void theNodeGraphTakesTheRoom()
+    {
+        // The first palette (the plug-in's node graph, when a test loaded it) is the large one.
+        QList<OssPalette *> made;
+        while (OssPaletteManager::instance()->palettes().size() < 2) {
+            made.append(new OssPalette);
+            made.last()->setObjectName(QStringLiteral("Palette %1").arg(made.size()));
+            QVERIFY(OssPaletteManager::instance()->registerPalette(made.last()));
+        }
+        OssMainWindow window;
+        QDockWidget *main = window.dockFor(OssPaletteManager::instance()->palettes().at(0));
+        QDockWidget *side = window.dockFor(OssPaletteManager::instance()->palettes().at(1));
+        QVERIFY(main && side);
+        window.resize(1600, 1000);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.arrangeDocks();
+        QTRY_VERIFY2(main->width() > side->width() * 2,
+                     qPrintable(QStringLiteral("%1 %2 %3 %4")
+                                    .arg(main->width())
+                                    .arg(side->width())
+                                    .arg(OssPaletteManager::instance()->palettes().size())
+                                    .arg(window.width())));
+        const int panelWidth = side->width();
+        const int graphWidth = main->width();
+        window.resize(2000, 1000);
+        QTRY_COMPARE(window.width(), 2000);
+        QTRY_VERIFY2(qAbs(side->width() - panelWidth) <= 8,
+                     qPrintable(QStringLiteral("%1 %2 was %3 %4")
+                                    .arg(main->width())
+                                    .arg(side->width())
+                                    .arg(graphWidth)
+                                    .arg(panelWidth)));
+        QVERIFY(main->width() >= graphWidth + 390);
+        main->toggleViewAction()->trigger();
+        QTRY_VERIFY(main->isHidden());
+        main->toggleViewAction()->trigger();
+        QTRY_VERIFY(main->width() >= window.width() * 7 / 10);
+        qDeleteAll(made);
     }
 
     void palettesBecomeDocks()
