@@ -203,6 +203,15 @@ void OssMainWindow::resizeEvent(QResizeEvent *event)
     m_layoutWidth = width();
 }
 
+void OssMainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (!m_shown) {
+        m_shown = true;
+        QTimer::singleShot(0, this, &OssMainWindow::arrangeDocks);
+    }
+}
+
 bool OssMainWindow::eventFilter(QObject *watched, QEvent *event)
 {
     // The panels' width as the user or the arrangement left it, not as a window resize made it.

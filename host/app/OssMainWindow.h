@@ -8,6 +8,7 @@ class OssPalette;
 class OssPluginHost;
 class QCloseEvent;
 class QResizeEvent;
+class QShowEvent;
 class QDockWidget;
 class QMenu;
 class QTimer;
@@ -65,6 +66,8 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     // A wider or narrower window widens or narrows the node graph; the panels keep their width.
     void resizeEvent(QResizeEvent *event) override;
+    // Shown the first time, the window arranges its docks once they are laid out.
+    void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -89,6 +92,7 @@ private:
     QHash<const OssPalette *, QPointer<QDockWidget>> m_docks;
     QPointer<QDockWidget> m_mainDock;
     bool m_graphClosed = false;
+    bool m_shown = false;
     // The panels' width to keep, and the window width the docks were last laid out for.
     int m_panelWidth = -1;
     int m_layoutWidth = -1;

@@ -573,13 +573,15 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("output");
-        QTest::newRow("sample project")
-            << QStringList{QStringLiteral(OSS_SAMPLE_PROJECT)} << 0 << "Screenshot written to ";
-        QTest::newRow("no project") << QStringList{} << 0 << "Screenshot written to ";
-        QTest::newRow("bad plug-in folder")
-            << QStringList{"--plugin-dir", "/nonexistent"} << 0 << "Screenshot written to ";
+        // Whether the node graph is there for a second picture at 100 % zoom.
+        QTest::addColumn<bool>("graph");
+        QTest::newRow("sample project") << QStringList{QStringLiteral(OSS_SAMPLE_PROJECT)} << 0
+                                        << "Screenshot written to " << true;
+        QTest::newRow("no project") << QStringList{} << 0 << "Screenshot written to " << true;
+        QTest::newRow("bad plug-in folder") << QStringList{"--plugin-dir", "/nonexistent"} << 0
+                                            << "Screenshot written to " << false;
         QTest::newRow("missing project")
-            << QStringList{"/nonexistent/project.ossa"} << 1 << "Screenshot written to ";
+            << QStringList{"/nonexistent/project.ossa"} << 1 << "Screenshot written to " << true;
     }
 
     void shellProcess()
@@ -587,6 +589,7 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, output);
+        QFETCH(bool, graph);
         const QString picture =
             m_host.scratchPath(QTest::currentDataTag() + QStringLiteral(".png"));
         QProcess shell;
@@ -600,7 +603,14 @@ private slots:
         QVERIFY(shell.waitForFinished(60000));
         const QString standardOutput = QString::fromUtf8(shell.readAllStandardOutput());
         QCOMPARE(shell.exitCode(), exitCode);
-        QCOMPARE(standardOutput, output + QFileInfo(picture).absoluteFilePath() + "\n");
+        const QStringList lines = standardOutput.split('\n', Qt::SkipEmptyParts);
+        QVERIFY(!lines.isEmpty());
+        QCOMPARE(lines.first(), output + QFileInfo(picture).absoluteFilePath());
+        // Beside the framed picture, one at 100 % zoom.
+        const QString full = QFileInfo(picture).absolutePath() + '/' +
+                             QFileInfo(picture).completeBaseName() + "-100.png";
+        QCOMPARE(lines.value(1), graph ? "Screenshot at 100 % zoom written to " + full : QString());
+        QCOMPARE(!QImage(full).isNull(), graph);
         QImage image(picture);
         QVERIFY(!image.isNull());
         QSet<QRgb> colours;
