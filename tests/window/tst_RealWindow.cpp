@@ -282,7 +282,7 @@ private slots:
         }
     }
 
-    // A node dragged with the mouse moves with it; Ctrl+Z puts it back.
+    // A node dragged with the mouse moves with it; Ctrl+Z puts it back, Ctrl+Y moves it again.
     void dragANodeAndUndo()
     {
         const QRect start = waitFor("start", Moved, [](const QRect &r) { return r.isValid(); });
@@ -296,6 +296,12 @@ private slots:
         xdotool({"key", "ctrl+z"});
         const QRect back = waitFor("undone", Moved, [&](const QRect &r) { return r == start; });
         QCOMPARE(back, start);
+        // Redo answers Ctrl+Y (as well as Ctrl+Shift+Z) on every platform.
+        xdotool({"key", "ctrl+y"});
+        const QRect again = waitFor("redone", Moved, [&](const QRect &r) { return r == moved; });
+        QCOMPARE(again, moved);
+        xdotool({"key", "ctrl+z"});
+        QCOMPARE(waitFor("undone again", Moved, [&](const QRect &r) { return r == start; }), start);
     }
 
     // Five wheel notches in and five out at a node: the point under the cursor stays there.
