@@ -241,6 +241,21 @@ private slots:
                  qPrintable(QString::number(view->transform().m11(), 'g', 17)));
         view->frameSelectedNodes();
         QVERIFY(float(view->transform().m11()) <= 1.0f);
+        // Kept at 1:1, the framed nodes are in the middle of the view, wherever the cursor is.
+        if (nodes > 0) {
+            view->setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+            QTest::mouseMove(view->viewport(), QPoint(5, 5));
+            view->scaleView(0.3);
+            view->frameNodes();
+            const QPointF middle = view->viewportInSceneCoords().center();
+            const QPointF framed = view->visibleNodeBounds().center();
+            QVERIFY2(qAbs(middle.x() - framed.x()) <= 1 && qAbs(middle.y() - framed.y()) <= 1,
+                     qPrintable(QStringLiteral("%1, %2 against %3, %4")
+                                    .arg(middle.x())
+                                    .arg(middle.y())
+                                    .arg(framed.x())
+                                    .arg(framed.y())));
+        }
     }
 
     void fitAndEnsureVisibleLog()
@@ -578,6 +593,16 @@ private slots:
         QCOMPARE(overlapping(backdrops), QString());
         QVERIFY(backdrops.size() >= 2);
         window->resize(size);
+        // Nor do nodes overlap in the other shading group's network.
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        for (OssShaderNetwork *other : project->networks()) {
+            QList<OssNgNode *> guis;
+            for (OssSnBaseNode *node : other->nodes())
+                if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node))
+                    if (!qobject_cast<OssNgBackdropNode *>(gui))
+                        guis.append(gui);
+            QCOMPARE(overlapping(guis), QString());
+        }
     }
 
     // Removing many nodes at once runs without a spatial index, which comes back when the event
