@@ -420,6 +420,21 @@ constexpr qreal ColumnGap = 10;
 constexpr qreal TitlePadding = 12;
 constexpr qreal LabelHeight = 14;
 
+// The width of a port label in the label font, rounded up (text is drawn on whole pixels).
+// Labels are a few words used over and over ("Input", "Mask"), and a node lays itself out for
+// every port it gets: each word is measured once.
+qreal labelWidth(const QString &label)
+{
+    static QHash<QString, qreal> widths;
+    const auto known = widths.constFind(label);
+    if (known != widths.constEnd())
+        return known.value();
+    static const QFontMetricsF metrics(OssNgStyle::instance()->labelFont());
+    const qreal width = std::ceil(metrics.horizontalAdvance(label));
+    widths.insert(label, width);
+    return width;
+}
+
 } // namespace
 
 bool OssNgNode::labelsShown() const
@@ -470,18 +485,16 @@ void OssNgNode::relayout()
         const QFontMetricsF metrics(OssNgStyle::instance()->titleFont());
         m_textWidth = metrics.horizontalAdvance(m_text);
     }
-    // The labels' columns beside the ports, measured in the label font (rounded up: text is
-    // drawn on whole pixels).
+    // The labels' columns beside the ports, as wide as their widest labels.
     m_inputLabelWidth = 0;
     m_outputLabelWidth = 0;
     if (labelsShown()) {
-        const QFontMetricsF metrics(style->labelFont());
-        for (const OssNgPort *port : visiblePorts(true))
-            m_inputLabelWidth =
-                qMax(m_inputLabelWidth, std::ceil(metrics.horizontalAdvance(port->label())));
-        for (const OssNgPort *port : visiblePorts(false))
-            m_outputLabelWidth =
-                qMax(m_outputLabelWidth, std::ceil(metrics.horizontalAdvance(port->label())));
+        for (const QVector<OssNgPort> *ports : {&m_inputs, &m_outputs}) {
+            qreal &widest = ports == &m_inputs ? m_inputLabelWidth : m_outputLabelWidth;
+            for (const OssNgPort &port : *ports)
+                if (port.visible)
+                    widest = qMax(widest, labelWidth(port.label()));
+        }
     }
     const bool beside = labelsShown() && m_flow == Flow::Horizontal;
     const qreal left =
