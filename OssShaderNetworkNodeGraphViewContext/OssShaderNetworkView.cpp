@@ -250,8 +250,11 @@ void OssShaderNetworkView::frameNodes(bool EntireScene)
     const QRectF target = EntireScene || count < 1 ? visibleNodeBounds() : selection;
     fitInView(target, Qt::KeepAspectRatio);
     const float scale = float(transform().m11());
-    if (scale > 1.0f)
+    if (scale > 1.0f) {
         scaleView(1.0 / scale);
+        // The zoom anchor may be the cursor: the framed nodes stay in the middle.
+        centerOn(target.center());
+    }
 }
 
 void OssShaderNetworkView::frameSelectedNodes()
@@ -275,6 +278,7 @@ void OssShaderNetworkView::fitToViewAction()
     OSS_DEBUG("[ !! ] --POST FIT scale  %f", transform().m11());
     if (transform().m11() > 1.0) {
         scaleView(1.0 / transform().m11());
+        centerOn(rect.center());
         OSS_DEBUG("[ !! ] --Rectangle has been downscaled to %f", transform().m11());
     }
 }

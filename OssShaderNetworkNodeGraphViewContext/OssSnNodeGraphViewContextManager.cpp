@@ -159,14 +159,20 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkAdded(OssShaderNetwork *Ne
 
 void OssSnNodeGraphViewContextManager::onProjectClosing()
 {
+    // Only the closing project's scenes go: a project being opened is loaded, and its nodes
+    // registered, before the project it replaces closes.
+    OssProject *closing = OssProjectManager::instance()->currentProject();
+    const QList<OssShaderNetwork *> roots =
+        closing ? closing->networks() : QList<OssShaderNetwork *>();
     // Views let go of the scenes before they go.
     if (m_nodeGraphWidget)
         for (int i = 0; i < m_nodeGraphWidget->count(); ++i)
-            if (auto *view = qobject_cast<OssShaderNetworkView *>(m_nodeGraphWidget->widget(i))) {
-                view->setScene(nullptr);
-                view->setNetwork(nullptr);
-            }
-    m_scenes->releaseAll();
+            if (auto *view = qobject_cast<OssShaderNetworkView *>(m_nodeGraphWidget->widget(i)))
+                if (!view->network() || OssSnSceneRegistry::belongsTo(view->network(), roots)) {
+                    view->setScene(nullptr);
+                    view->setNetwork(nullptr);
+                }
+    m_scenes->releaseProject(roots);
 }
 
 void OssSnNodeGraphViewContextManager::onProjectOpenCompleted()

@@ -63,7 +63,7 @@ void OssSnSceneRegistry::showNetworkInView(OssShaderNetwork *network, OssShaderN
     if (!network)
         return;
     if (m_viewRects.contains(network)) {
-        view->fitInView(m_viewRects.value(network), Qt::KeepAspectRatio);
+        view->showSceneRect(m_viewRects.value(network));
         return;
     }
     view->frameNodes(true);
@@ -131,15 +131,34 @@ void OssSnSceneRegistry::onNodeDeregistered(OssShaderNetwork *Network, OssSnBase
     gui->removeVirtualInputEdge();
 }
 
-void OssSnSceneRegistry::releaseAll()
+bool OssSnSceneRegistry::belongsTo(const OssShaderNetwork *network,
+                                   const QList<OssShaderNetwork *> &rootNetworks)
+{
+    return network && rootNetworks.contains(network->rootNetwork());
+}
+
+void OssSnSceneRegistry::releaseProject(const QList<OssShaderNetwork *> &rootNetworks)
 {
     // GUI nodes belong to their view contexts, which go with the project: they leave the scenes
     // before the scenes are deleted.
-    for (QGraphicsScene *scene : qAsConst(m_scenes))
+    QList<QGraphicsScene *> released;
+    for (auto it = m_scenes.begin(); it != m_scenes.end();) {
+        if (belongsTo(it.key(), rootNetworks)) {
+            released.append(it.value());
+            it = m_scenes.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    for (QGraphicsScene *scene : qAsConst(released))
         releaseGuiNodes(scene);
-    qDeleteAll(m_scenes);
-    m_scenes.clear();
-    m_groupNodes.clear();
+    qDeleteAll(released);
+    for (auto it = m_groupNodes.begin(); it != m_groupNodes.end();) {
+        if (!it.value() || belongsTo(it.key(), rootNetworks))
+            it = m_groupNodes.erase(it);
+        else
+            ++it;
+    }
 }
 
 void OssSnSceneRegistry::onShaderNetworkDestroyed(QObject *Obj)
@@ -151,11 +170,9 @@ void OssSnSceneRegistry::onShaderNetworkDestroyed(QObject *Obj)
             m_scenes.erase(it);
             break;
         }
-    if (!scene) {
-        if (!m_scenes.isEmpty())
-            OSS_DEBUG("Failed to find scene for network");
+    // A network without a scene never had a node, or its scene went with its project.
+    if (!scene)
         return;
-    }
     releaseGuiNodes(scene);
     delete scene;
 }

@@ -40,9 +40,14 @@ public:
     // A node's GUI items go into the scene of its network, and out of it again.
     void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
     void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    // The project closes: every scene goes, the GUI nodes (owned by their view contexts) taken
-    // out first, and the group networks are forgotten.
-    void releaseAll();
+    // A project closes: the scenes of its networks (root networks and the group networks inside
+    // them) go, the GUI nodes (owned by their view contexts) taken out first, and its group
+    // networks are forgotten. Scenes of other networks stay: a project being opened has its
+    // nodes registered before the one it replaces is closed.
+    void releaseProject(const QList<OssShaderNetwork *> &rootNetworks);
+    // Whether a network is one of these root networks or inside one of them.
+    static bool belongsTo(const OssShaderNetwork *network,
+                          const QList<OssShaderNetwork *> &rootNetworks);
     // A network went: its scene goes with it.
     void onShaderNetworkDestroyed(QObject *Obj);
     // A network went: its remembered view rectangle goes with it.

@@ -2,6 +2,7 @@
 
 #include "OssNgStyle.h"
 
+#include <QFontMetricsF>
 #include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
@@ -188,13 +189,27 @@ void OssNgBackdropNode::paint(QPainter *painter, const QStyleOptionGraphicsItem 
     painter->setPen(QPen(isSelected() ? style->selectedColor() : m_background.lighter(130), 1.5));
     painter->setBrush(fill);
     painter->drawRect(body);
-    painter->fillRect(QRectF(0, 0, body.width(), titleBarHeight()), m_background.darker(120));
-    if (option->levelOfDetailFromTransform(painter->worldTransform()) >=
-        style->levelOfDetailThreshold()) {
+    const qreal detail = option->levelOfDetailFromTransform(painter->worldTransform());
+    // The title stays readable when zoomed out: below the zoom at which it is landmark-sized it
+    // is drawn larger in the scene, in a title bar grown to fit it, within the backdrop.
+    const qreal grow =
+        detail > 0
+            ? qMax<qreal>(1.0, style->landmarkTextPixels() / (style->titleTextHeight() * detail))
+            : 1.0;
+    const qreal bar = qMin(body.height(), titleBarHeight() * grow);
+    painter->fillRect(QRectF(0, 0, body.width(), bar), m_background.darker(120));
+    painter->save();
+    painter->setClipRect(body);
+    painter->scale(grow, grow);
+    painter->setPen(style->textColor());
+    painter->setFont(style->titleFont());
+    const QRectF title(8, 0, qMax<qreal>(0, body.width() / grow - 16), bar / grow);
+    painter->drawText(
+        title, Qt::AlignVCenter | Qt::AlignLeft,
+        QFontMetricsF(style->titleFont()).elidedText(m_title, Qt::ElideRight, title.width()));
+    painter->restore();
+    if (detail >= style->levelOfDetailThreshold()) {
         painter->setPen(style->textColor());
-        painter->setFont(style->titleFont());
-        painter->drawText(QRectF(8, 0, body.width() - 16, titleBarHeight()),
-                          Qt::AlignVCenter | Qt::AlignLeft, m_title);
         painter->drawLine(body.bottomRight() - QPointF(ResizeHandle, 2),
                           body.bottomRight() - QPointF(2, ResizeHandle));
     }

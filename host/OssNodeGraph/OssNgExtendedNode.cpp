@@ -229,7 +229,11 @@ void OssNgExtendedNode::paint(QPainter *painter, const QStyleOptionGraphicsItem 
         return;
     const QRectF body = bodyRect();
     if (!m_pixmap.isNull())
-        painter->drawPixmap(QPointF(4, 4) + m_pixmapOffset, m_scaledPixmap);
+        // The icon goes before the title, clear of the input labels.
+        painter->drawPixmap(
+            QPointF(titleRect().left(), (body.height() - m_scaledPixmap.height()) / 2) +
+                m_pixmapOffset,
+            m_scaledPixmap);
     // Marks as small badges along the bottom edge, icons along the top.
     struct Badge
     {

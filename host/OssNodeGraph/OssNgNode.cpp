@@ -411,6 +411,70 @@ QRectF OssNgNode::bodyRect() const
     return QRectF(QPointF(0, 0), m_size);
 }
 
+namespace {
+
+// Space between a port and its label, and between a label column and the title.
+constexpr qreal LabelInset = 8;
+constexpr qreal ColumnGap = 10;
+// Space on either side of the title where no labels are.
+constexpr qreal TitlePadding = 12;
+constexpr qreal LabelHeight = 14;
+
+// The width of a port label in the label font, rounded up (text is drawn on whole pixels).
+// Labels are a few words used over and over ("Input", "Mask"), and a node lays itself out for
+// every port it gets: each word is measured once.
+qreal labelWidth(const QString &label)
+{
+    static QHash<QString, qreal> widths;
+    const auto known = widths.constFind(label);
+    if (known != widths.constEnd())
+        return known.value();
+    static const QFontMetricsF metrics(OssNgStyle::instance()->labelFont());
+    const qreal width = std::ceil(metrics.horizontalAdvance(label));
+    widths.insert(label, width);
+    return width;
+}
+
+} // namespace
+
+bool OssNgNode::labelsShown() const
+{
+    return m_portsVisible && showPortLabels();
+}
+
+QRectF OssNgNode::titleRect() const
+{
+    const bool beside = labelsShown() && m_flow == Flow::Horizontal;
+    const qreal left =
+        beside && m_inputLabelWidth > 0 ? LabelInset + m_inputLabelWidth + ColumnGap : TitlePadding;
+    const qreal right = beside && m_outputLabelWidth > 0
+                            ? LabelInset + m_outputLabelWidth + ColumnGap
+                            : TitlePadding;
+    return QRectF(left, 0, qMax<qreal>(0, m_size.width() - left - right), m_size.height());
+}
+
+QRectF OssNgNode::portLabelRect(const QString &name, bool input) const
+{
+    const OssNgPort *port = input ? inputPort(name) : outputPort(name);
+    if (!port || !port->visible || !labelsShown())
+        return QRectF();
+    return labelRect(*port);
+}
+
+QRectF OssNgNode::labelRect(const OssNgPort &port) const
+{
+    const QPointF at = portLocalPos(port);
+    if (m_flow == Flow::Vertical) {
+        const qreal width = m_size.width() / (visiblePorts(port.input).size() + 1) - 4;
+        return QRectF(at.x() - width / 2, port.input ? at.y() + 3 : at.y() - 3 - LabelHeight, width,
+                      LabelHeight);
+    }
+    const qreal width = port.input ? m_inputLabelWidth : m_outputLabelWidth;
+    return port.input
+               ? QRectF(at.x() + LabelInset, at.y() - LabelHeight / 2, width, LabelHeight)
+               : QRectF(at.x() - LabelInset - width, at.y() - LabelHeight / 2, width, LabelHeight);
+}
+
 void OssNgNode::relayout()
 {
     const OssNgStyle *style = OssNgStyle::instance();
@@ -421,13 +485,39 @@ void OssNgNode::relayout()
         const QFontMetricsF metrics(OssNgStyle::instance()->titleFont());
         m_textWidth = metrics.horizontalAdvance(m_text);
     }
-    size.setWidth(qMax(size.width(), m_textWidth + 24 + 2 * titleMargin()));
+    // The labels' columns beside the ports, as wide as their widest labels.
+    m_inputLabelWidth = 0;
+    m_outputLabelWidth = 0;
+    if (labelsShown()) {
+        for (const QVector<OssNgPort> *ports : {&m_inputs, &m_outputs}) {
+            qreal &widest = ports == &m_inputs ? m_inputLabelWidth : m_outputLabelWidth;
+            for (const OssNgPort &port : *ports)
+                if (port.visible)
+                    widest = qMax(widest, labelWidth(port.label()));
+        }
+    }
+    const bool beside = labelsShown() && m_flow == Flow::Horizontal;
+    const qreal left =
+        beside && m_inputLabelWidth > 0 ? LabelInset + m_inputLabelWidth + ColumnGap : TitlePadding;
+    const qreal right = beside && m_outputLabelWidth > 0
+                            ? LabelInset + m_outputLabelWidth + ColumnGap
+                            : TitlePadding;
+    size.setWidth(qMax(size.width(), left + titleMargin() + std::ceil(m_textWidth) + right));
     if (m_portsVisible) {
-        if (m_flow == Flow::Vertical)
-            size.setWidth(qMax<qreal>(size.width(), qMax(inputs, outputs) * 40 + 20));
-        else
+        if (m_flow == Flow::Vertical) {
+            // Labels above and below the ports, each in its share of the width, and the title
+            // between the two rows.
+            const qreal widest = qMax(m_inputLabelWidth, m_outputLabelWidth) + 8;
+            size.setWidth(
+                qMax<qreal>(size.width(), (qMax(inputs, outputs) + 1) * qMax<qreal>(40, widest)));
+            if (labelsShown())
+                size.setHeight(
+                    qMax<qreal>(size.height(), 2 * (LabelHeight + 4) +
+                                                   QFontMetricsF(style->titleFont()).height() + 4));
+        } else {
             size.setHeight(
                 qMax<qreal>(size.height(), qMax(inputs, outputs) * style->portRowHeight() + 16));
+        }
     }
     // Edges move only when their ends do: when the size changes (setNodeSize adjusts them) or
     // when the visible ports or the flow change. A node lays itself out again for every port
@@ -876,13 +966,7 @@ void OssNgNode::paintPorts(QPainter *painter, bool withText)
                 continue;
             painter->setPen(style->textColor());
             const QString label = port.label();
-            QRectF box;
-            if (m_flow == Flow::Vertical)
-                box = QRectF(at.x() - 40, port.input ? at.y() + 3 : at.y() - 17, 80, 14);
-            else
-                box = port.input ? QRectF(at.x() + 8, at.y() - 7, m_size.width() / 2 - 8, 14)
-                                 : QRectF(at.x() - m_size.width() / 2, at.y() - 7,
-                                          m_size.width() / 2 - 8, 14);
+            const QRectF box = labelRect(port);
             const Qt::Alignment alignment = m_flow == Flow::Vertical
                                                 ? Qt::AlignHCenter
                                                 : (port.input ? Qt::AlignLeft : Qt::AlignRight);
@@ -906,7 +990,10 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         outline = style->hoveredColor().lighter(120);
     if (isSelected())
         outline = style->selectedColor();
-    if (detail < style->levelOfDetailThreshold()) {
+    // Text is drawn while it is tall enough on screen to be read.
+    const bool titleShown = detail * style->titleTextHeight() >= style->minimumTextPixels();
+    const bool labelsReadable = detail * style->labelTextHeight() >= style->minimumTextPixels();
+    if (detail < style->levelOfDetailThreshold() && !titleShown) {
         // Far away: a filled box, no text, no ports.
         painter->fillRect(body, farColor());
         if (isSelected() || m_highlighted) {
@@ -930,6 +1017,8 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
                                              QSizeF(2 * radius, 2 * radius)),
                                       port.input || port.used ? style->usedPortColor()
                                                               : style->portColor());
+        if (titleShown)
+            paintTitle(painter);
         return;
     }
     painter->setBrush(fillBrush());
@@ -957,9 +1046,15 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         painter->drawRoundedRect(body, 5, 5);
         break;
     }
+    if (titleShown)
+        paintTitle(painter);
+    paintPorts(painter, labelsReadable);
+}
+
+void OssNgNode::paintTitle(QPainter *painter)
+{
+    const OssNgStyle *style = OssNgStyle::instance();
     painter->setPen(style->textColor());
     painter->setFont(style->titleFont());
-    const qreal margin = titleMargin();
-    painter->drawText(body.adjusted(margin, 0, -margin, 0), Qt::AlignCenter, m_text);
-    paintPorts(painter, detail > 0.6);
+    painter->drawText(titleRect().adjusted(titleMargin(), 0, 0, 0), Qt::AlignCenter, m_text);
 }

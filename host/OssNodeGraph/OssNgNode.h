@@ -132,6 +132,12 @@ public:
     void setPortsVisible(bool visible);
     void togglePortsVisible() { setPortsVisible(!m_portsVisible); }
 
+    // Where the title (with the room for an icon before it) and a visible port's label are
+    // drawn, in node coordinates. The node is wide enough for both label columns and the title
+    // between them, so none of them overlap.
+    QRectF titleRect() const;
+    QRectF portLabelRect(const QString &name, bool input) const;
+
     // Port anchors in scene coordinates and the direction an edge leaves them.
     QPointF inputPortScenePos(const QString &name) const;
     QPointF outputPortScenePos(const QString &name) const;
@@ -234,12 +240,17 @@ protected:
     // Room kept free on each side of the title (for an icon drawn beside it).
     virtual qreal titleMargin() const { return 0; }
     void paintPorts(QPainter *painter, bool withText);
+    void paintTitle(QPainter *painter);
     QRectF bodyRect() const;
 
     QString m_text;
     // Width of the text in the node's font, measured on the first layout after a change: a node
     // lays itself out again for every port it gets, and measuring text is the costly part.
     qreal m_textWidth = -1;
+    // Widths of the widest visible input and output labels at the last layout (0 without
+    // labels).
+    qreal m_inputLabelWidth = 0;
+    qreal m_outputLabelWidth = 0;
     // The visible ports and flow of the last layout, to tell whether edge ends moved.
     uint m_portLayout = 0;
     // Moved while edge updates were deferred; its edges wait for the adjustment.
@@ -251,6 +262,9 @@ private:
     int indexOfInput(const QString &name) const;
     int indexOfOutput(const QString &name) const;
     QPointF portLocalPos(const OssNgPort &port) const;
+    QRectF labelRect(const OssNgPort &port) const;
+    // Whether port labels are drawn beside the ports (horizontal flow) at all.
+    bool labelsShown() const;
 
     QVector<OssNgPort> m_inputs;
     QVector<OssNgPort> m_outputs;

@@ -1,5 +1,7 @@
 #include "OssNgStyle.h"
 
+#include <QFontMetricsF>
+
 OssNgStyle *OssNgStyle::instance()
 {
     static OssNgStyle *style = new OssNgStyle;
@@ -10,6 +12,8 @@ OssNgStyle::OssNgStyle(QObject *parent)
     : QObject(parent), m_nodeTop(92, 96, 104), m_nodeBottom(64, 67, 74)
 {
     m_labelFont.setPointSizeF(7);
+    m_titleTextHeight = QFontMetricsF(m_titleFont).height();
+    m_labelTextHeight = QFontMetricsF(m_labelFont).height();
     const auto add = [this](const char *category, QColor top) {
         m_categories.insert(QString::fromLatin1(category), {top, top.darker(140)});
     };

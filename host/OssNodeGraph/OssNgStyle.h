@@ -54,6 +54,15 @@ public:
     // them before drawing text: the views do not restore the painter between items.
     QFont titleFont() const { return m_titleFont; }
     QFont labelFont() const { return m_labelFont; }
+    // Line heights of the two fonts, in scene units at scale 1.
+    qreal titleTextHeight() const { return m_titleTextHeight; }
+    qreal labelTextHeight() const { return m_labelTextHeight; }
+    // Text of nodes is drawn while it is at least this many pixels tall on screen; below that
+    // it could not be read and only costs time.
+    qreal minimumTextPixels() const { return 7; }
+    // Backdrop titles and sticky-note text, by which artists find their way in a big graph, are
+    // drawn at least this many pixels tall at every zoom.
+    qreal landmarkTextPixels() const { return 13; }
 
 signals:
     void colorsUpdated();
@@ -62,6 +71,8 @@ private:
     explicit OssNgStyle(QObject *parent = nullptr);
     QFont m_titleFont;
     QFont m_labelFont;
+    qreal m_titleTextHeight = 0;
+    qreal m_labelTextHeight = 0;
     QColor m_nodeTop;
     QColor m_nodeBottom;
     QHash<QString, QPair<QColor, QColor>> m_categories;

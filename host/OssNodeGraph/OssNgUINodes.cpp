@@ -47,18 +47,39 @@ void OssNgUINode::paint(QPainter *painter, const QStyleOptionGraphicsItem *optio
     painter->setPen(QPen(isSelected() ? style->selectedColor() : m_background.darker(150), 1.5));
     painter->setBrush(m_background);
     painter->drawRect(body);
-    if (option->levelOfDetailFromTransform(painter->worldTransform()) <
-        style->levelOfDetailThreshold())
-        return;
+    // The note's title stays readable at every zoom: when zoomed out it is drawn larger in the
+    // scene. The note is sized for its text at full size, so the text grows only as far as it
+    // still fits.
+    const qreal detail = option->levelOfDetailFromTransform(painter->worldTransform());
+    const qreal grow =
+        detail > 0
+            ? qMax<qreal>(1.0, style->landmarkTextPixels() / (style->titleTextHeight() * detail))
+            : 1.0;
+    QFont font = style->titleFont();
+    painter->save();
+    painter->setClipRect(body);
     painter->setPen(Qt::black);
-    QFont bold = style->titleFont();
-    bold.setBold(true);
-    painter->setFont(bold);
-    painter->drawText(body.adjusted(8, 4, -8, 0), Qt::AlignTop | Qt::AlignLeft,
-                      m_title.isEmpty() ? text() : m_title);
-    bold.setBold(false);
-    painter->setFont(bold);
-    painter->drawText(body.adjusted(8, 24, -8, -6), Qt::TextWordWrap | Qt::AlignLeft, m_label);
+    font.setBold(true);
+    painter->setFont(font);
+    painter->save();
+    painter->scale(grow, grow);
+    painter->drawText(QRectF(body.topLeft() / grow, body.size() / grow).adjusted(8, 4, -8, 0),
+                      Qt::AlignTop | Qt::AlignLeft, m_title.isEmpty() ? text() : m_title);
+    painter->restore();
+    font.setBold(false);
+    painter->setFont(font);
+    const qreal titleSpace = 4 + style->titleTextHeight() * grow + 4;
+    const QRectF textArea = body.adjusted(8, titleSpace, -8, -6);
+    const QFontMetricsF metrics(font);
+    qreal scale = grow;
+    const QRectF wrapped = metrics.boundingRect(QRectF(0, 0, textArea.width() / grow, 10000),
+                                                Qt::TextWordWrap | Qt::AlignLeft, m_label);
+    if (wrapped.height() * grow > textArea.height())
+        scale = 1.0;
+    painter->scale(scale, scale);
+    painter->drawText(QRectF(textArea.topLeft() / scale, textArea.size() / scale),
+                      Qt::TextWordWrap | Qt::AlignLeft, m_label);
+    painter->restore();
 }
 
 OssNgDotNode::OssNgDotNode(QGraphicsItem *parentItem) : OssNgNode(parentItem)

@@ -33,6 +33,11 @@ OssNgView::OssNgView(QWidget *parent) : QGraphicsView(parent)
     setViewportUpdateMode(SmartViewportUpdate);
     setOptimizationFlags(DontSavePainterState | DontAdjustForAntialiasing);
     setMouseTracking(true);
+    // An endless canvas: the scene rectangle reaches far beyond any graph, and the scroll bars
+    // that would show it are hidden; panning and zooming move over it.
+    setSceneRect(QRectF(-CanvasHalfSize, -CanvasHalfSize, 2 * CanvasHalfSize, 2 * CanvasHalfSize));
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 OssNgView::~OssNgView()
@@ -64,7 +69,42 @@ void OssNgView::useSpatialIndex(QGraphicsScene *scene)
 
 QRectF OssNgView::viewportInSceneCoords() const
 {
-    return mapToScene(viewport()->rect()).boundingRect();
+    const QSize size = viewport()->size();
+    return QRectF(mapToSceneExact(QPointF(0, 0)),
+                  mapToSceneExact(QPointF(size.width(), size.height())));
+}
+
+void OssNgView::showSceneRect(const QRectF &rect)
+{
+    const QSize size = viewport()->size();
+    if (rect.isEmpty() || size.isEmpty())
+        return;
+    const double scale = qMin(size.width() / rect.width(), size.height() / rect.height());
+    setTransform(QTransform::fromScale(scale, scale));
+    // Where the rectangle's centre is in the viewport now, against where it belongs.
+    const QPointF offset =
+        mapFromSceneExact(rect.center()) - QPointF(size.width() / 2.0, size.height() / 2.0);
+    scrollBy(QPoint(qRound(offset.x()), qRound(offset.y())));
+}
+
+// The scroll bars hold the viewport's offset in the transformed scene; the canvas is always
+// larger than the viewport, so they hold all of it.
+QPointF OssNgView::mapToSceneExact(const QPointF &viewportPos) const
+{
+    const QPointF scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    return transform().inverted().map(viewportPos + scrolled);
+}
+
+QPointF OssNgView::mapFromSceneExact(const QPointF &scenePos) const
+{
+    const QPointF scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    return transform().map(scenePos) - scrolled;
+}
+
+void OssNgView::scrollBy(const QPoint &pixels)
+{
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + pixels.x());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + pixels.y());
 }
 
 double OssNgView::zoom() const
@@ -80,6 +120,34 @@ void OssNgView::scaleView(double factor)
     scale(factor, factor);
 }
 
+void OssNgView::zoomAt(double factor, const QPoint &viewportPos)
+{
+    const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    const bool sameAnchor = m_lastZoom.viewportPos == viewportPos && m_lastZoom.scroll == scroll &&
+                            m_lastZoom.transform == transform();
+    const QPointF anchored =
+        sameAnchor ? m_lastZoom.scenePos : mapToSceneExact(QPointF(viewportPos));
+    const ViewportAnchor previous = transformationAnchor();
+    setTransformationAnchor(NoAnchor);
+    scaleView(factor);
+    setTransformationAnchor(previous);
+    const QPointF offset = mapFromSceneExact(anchored) - QPointF(viewportPos);
+    scrollBy(QPoint(qRound(offset.x()), qRound(offset.y())));
+    m_lastZoom = {viewportPos, anchored,
+                  QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()),
+                  transform()};
+}
+
+QPoint OssNgView::anchorPosition(QGraphicsView::ViewportAnchor anchor) const
+{
+    if (anchor == AnchorUnderMouse) {
+        const QPoint cursor = viewport()->mapFromGlobal(QCursor::pos());
+        if (viewport()->rect().contains(cursor))
+            return cursor;
+    }
+    return viewport()->rect().center();
+}
+
 void OssNgView::zoomIn()
 {
     zoomIn(ZoomStep);
@@ -92,10 +160,14 @@ void OssNgView::zoomOut()
 
 void OssNgView::zoomIn(double factor, QGraphicsView::ViewportAnchor anchor)
 {
-    const ViewportAnchor previous = transformationAnchor();
-    setTransformationAnchor(anchor);
-    scaleView(factor);
-    setTransformationAnchor(previous);
+    if (anchor == NoAnchor) {
+        const ViewportAnchor previous = transformationAnchor();
+        setTransformationAnchor(NoAnchor);
+        scaleView(factor);
+        setTransformationAnchor(previous);
+        return;
+    }
+    zoomAt(factor, anchorPosition(anchor));
 }
 
 void OssNgView::zoomOut(double factor, QGraphicsView::ViewportAnchor anchor)
@@ -499,7 +571,10 @@ void OssNgView::wheelEvent(QWheelEvent *event)
     const double steps = event->angleDelta().y() / 120.0;
     if (steps == 0)
         return;
-    zoomIn(std::pow(1.15, steps), AnchorUnderMouse);
+    // The zoom anchor: the point under the cursor stays there, or the centre stays.
+    const QPoint at = transformationAnchor() == AnchorUnderMouse ? event->position().toPoint()
+                                                                 : viewport()->rect().center();
+    zoomAt(std::pow(1.15, steps), at);
     event->accept();
 }
 

@@ -55,11 +55,27 @@ public:
     static void useSpatialIndex(QGraphicsScene *scene);
 
     int interactionState() const { return m_interactionState; }
+    // The scene rectangle the viewport shows, exactly (edges at the viewport's outer edges).
     QRectF viewportInSceneCoords() const;
+    // Shows a rectangle viewportInSceneCoords() gave: the scale at which it fits the viewport and
+    // its centre at the viewport's centre, scrolled to the whole pixel. In a viewport of the same
+    // size the view is the one the rectangle was taken from, however often it is restored.
+    void showSceneRect(const QRectF &rect);
+    // Half the side of the canvas: the view's scene rectangle is this much in every direction
+    // from the origin, far beyond any graph, so the view pans and zooms freely and never
+    // shifts when the graph grows or shrinks.
+    static constexpr double CanvasHalfSize = 1.0e6;
+    // A viewport position's scene point and a scene point's viewport position, without
+    // rounding to the pixel.
+    QPointF mapToSceneExact(const QPointF &viewportPos) const;
+    QPointF mapFromSceneExact(const QPointF &scenePos) const;
     using QGraphicsView::fitInView;
     double zoom() const;
     // Multiplies the scale, kept between 1/50 and 8.
     void scaleView(double factor);
+    // Multiplies the scale keeping the scene point at a viewport position where it is, to the
+    // pixel.
+    void zoomAt(double factor, const QPoint &viewportPos);
     QRectF visibleNodeBounds() const;
     void centerViewOn(const QPointF &scenePos, bool immediate = true);
     // The selected GUI nodes sorted top to bottom, then left to right.
@@ -115,6 +131,11 @@ protected:
     QString m_navigationControlType = QStringLiteral("Kova");
 
 private:
+    // The viewport position a zoom keeps in place for an anchor: the cursor (when it is over
+    // the viewport) or the centre.
+    QPoint anchorPosition(QGraphicsView::ViewportAnchor anchor) const;
+    // Scrolls by whole pixels.
+    void scrollBy(const QPoint &pixels);
     void startEdgeDrag(OssNgNode *node, const QString &port, bool fromOutput,
                        const QPointF &scenePos);
     void finishEdgeDrag(const QPoint &viewportPos);
@@ -140,5 +161,15 @@ private:
     int m_lastDirection = 0;
     bool m_shakeFired = false;
     QList<QPointer<OssNgNode>> m_draggedNodes;
+    // The last zoom's anchor: a zoom at the same viewport position, with nothing moved since,
+    // keeps the same scene point, so whole-pixel scrolling never adds up to a drift.
+    struct ZoomAnchor
+    {
+        QPoint viewportPos;
+        QPointF scenePos;
+        QPoint scroll;
+        QTransform transform;
+    };
+    ZoomAnchor m_lastZoom;
     QGraphicsLineItem *m_severLine = nullptr;
 };

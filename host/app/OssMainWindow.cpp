@@ -4,6 +4,7 @@
 #include "OssPreferencesDialog.h"
 
 #include <OssActionTreeManager.h>
+#include <OssApplication.h>
 #include <OssDebug.h>
 #include <OssGroupParameterObject.h>
 #include <OssGuiApplication.h>
@@ -12,14 +13,20 @@
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssResourceInfo.h>
+#include <OssShaderNetwork.h>
+#include <OssShaderNetworkManager.h>
+#include <OssShadingGroup.h>
 #include <OssUndoManager.h>
 
 #include <QAction>
+#include <QActionGroup>
+#include <QCloseEvent>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QResizeEvent>
 #include <QTimer>
 
 OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
@@ -44,7 +51,13 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     QAction *undo = new QAction(this);
     undo->setShortcut(QKeySequence::Undo);
     QAction *redo = new QAction(this);
-    redo->setShortcut(QKeySequence::Redo);
+    // Redo answers both of the usual keys (Ctrl+Y and Ctrl+Shift+Z) on every platform.
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    for (const QKeySequence &key :
+         {QKeySequence(Qt::CTRL + Qt::Key_Y), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)})
+        if (!redoKeys.contains(key))
+            redoKeys.append(key);
+    redo->setShortcuts(redoKeys);
     OssUndoManager *history = OssUndoManager::instance();
     connect(undo, &QAction::triggered, history, &OssUndoManager::undo);
     connect(redo, &QAction::triggered, history, &OssUndoManager::redo);
@@ -64,6 +77,10 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     edit->addAction(redo);
     edit->addSeparator();
     edit->addAction(tr("&Preferences..."), this, &OssMainWindow::showPreferences);
+
+    m_projectMenu = menuBar()->addMenu(tr("&Project"));
+    connect(m_projectMenu, &QMenu::aboutToShow, this, &OssMainWindow::fillProjectMenu);
+    fillProjectMenu();
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));
     m_helpMenu = menuBar()->addMenu(tr("&Help"));
@@ -85,6 +102,8 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
             &OssMainWindow::updateTitle);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
             &OssMainWindow::updateTitle);
+    connect(history, &OssUndoManager::cleanChanged, this,
+            [this](bool clean) { setWindowModified(!clean); });
     rebuildActionMenus();
     updateTitle();
 }
@@ -164,16 +183,91 @@ void OssMainWindow::rebuildActionMenus()
     }
 }
 
-void OssMainWindow::arrangeDocks()
+QDockWidget *OssMainWindow::sideDock() const
 {
     QDockWidget *side = nullptr;
     for (const QPointer<QDockWidget> &dock : qAsConst(m_docks))
-        if (dock && dock != m_mainDock && dockWidgetArea(dock) == Qt::RightDockWidgetArea)
+        if (dock && dock != m_mainDock && dockWidgetArea(dock) == Qt::RightDockWidgetArea &&
+            dock->isVisible() && !dock->isFloating())
             side = dock;
+    return side;
+}
+
+void OssMainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    QDockWidget *side = sideDock();
+    if (m_mainDock && side && m_mainDock->isVisible() && m_panelWidth > 0 && m_layoutWidth > 0)
+        resizeDocks({m_mainDock.data(), side}, {qMax(200, width() - m_panelWidth), m_panelWidth},
+                    Qt::Horizontal);
+    m_layoutWidth = width();
+}
+
+void OssMainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (!m_shown) {
+        m_shown = true;
+        QTimer::singleShot(0, this, &OssMainWindow::arrangeDocks);
+    }
+}
+
+bool OssMainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    // The panels' width as the user or the arrangement left it, not as a window resize made it.
+    if (event->type() == QEvent::Resize && watched == sideDock() && width() == m_layoutWidth)
+        m_panelWidth = static_cast<QWidget *>(watched)->width();
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void OssMainWindow::fillProjectMenu()
+{
+    m_projectMenu->clear();
+    m_projectMenu->addSection(tr("Shading Groups"));
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project || project->shadingGroups().isEmpty()) {
+        m_projectMenu->addAction(tr("(none)"))->setEnabled(false);
+        return;
+    }
+    const OssShaderNetwork *current = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    if (current)
+        current = current->rootNetwork();
+    auto *choice = new QActionGroup(m_projectMenu);
+    for (OssShadingGroup *group : project->shadingGroups()) {
+        QAction *action = m_projectMenu->addAction(
+            group->entityName().isEmpty()
+                ? group->name()
+                : QStringLiteral("%1 (%2)").arg(group->name(), group->entityName()));
+        action->setCheckable(true);
+        action->setChecked(group->network() && group->network() == current);
+        action->setActionGroup(choice);
+        const QString name = group->name();
+        connect(action, &QAction::triggered, this, [this, name] { showShadingGroup(name); });
+    }
+}
+
+bool OssMainWindow::showShadingGroup(const QString &name)
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project)
+        return false;
+    for (OssShadingGroup *group : project->shadingGroups())
+        if (group->name() == name && group->network()) {
+            OssShaderNetworkManager::instance()->setCurrentShaderNetwork(group->network());
+            return true;
+        }
+    return false;
+}
+
+void OssMainWindow::arrangeDocks()
+{
+    QDockWidget *side = sideDock();
     if (!m_mainDock || !side)
         return;
     const int width = qMax(400, this->width());
-    resizeDocks({m_mainDock.data(), side}, {width * 3 / 4, width - width * 3 / 4}, Qt::Horizontal);
+    m_panelWidth = width - width * 3 / 4;
+    m_layoutWidth = this->width();
+    resizeDocks({m_mainDock.data(), side}, {width - m_panelWidth, m_panelWidth}, Qt::Horizontal);
 }
 
 void OssMainWindow::addPalette(OssPalette *palette)
@@ -189,9 +283,23 @@ void OssMainWindow::addPalette(OssPalette *palette)
     // The node graph takes the large left area; panels go to the right.
     const bool main = m_docks.isEmpty();
     addDockWidget(main ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, dock);
-    if (main)
+    if (main) {
         m_mainDock = dock;
+        // Shown again, the node graph takes its large share back.
+        connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool visible) {
+            if (!visible) {
+                // Closed by the user, not hidden with a minimised window.
+                m_graphClosed = dock->isHidden();
+                return;
+            }
+            if (m_graphClosed) {
+                m_graphClosed = false;
+                QTimer::singleShot(0, this, &OssMainWindow::arrangeDocks);
+            }
+        });
+    }
     m_docks.insert(palette, dock);
+    dock->installEventFilter(this);
     arrangeDocks();
     m_windowMenu->addAction(dock->toggleViewAction());
     connect(palette, &OssPalette::showRequested, dock, [dock] {
@@ -213,8 +321,15 @@ QDockWidget *OssMainWindow::dockFor(const OssPalette *palette) const
 void OssMainWindow::updateTitle()
 {
     const OssProject *project = OssProjectManager::instance()->currentProject();
-    setWindowTitle(project ? QStringLiteral("Ossa - %1").arg(project->name())
-                           : QStringLiteral("Ossa"));
+    if (!project) {
+        setWindowTitle(QStringLiteral("Ossa"));
+        setWindowModified(false);
+        return;
+    }
+    const QString name =
+        project->filePath().isEmpty() ? project->name() : QFileInfo(project->filePath()).fileName();
+    setWindowTitle(QStringLiteral("Ossa - %1[*]").arg(name));
+    setWindowModified(!OssUndoManager::instance()->isClean());
 }
 
 void OssMainWindow::reportError(const QString &title, const QString &message)
@@ -223,12 +338,73 @@ void OssMainWindow::reportError(const QString &title, const QString &message)
     OssMessageBox::warning(this, title, message);
 }
 
+void OssMainWindow::takeBackFocus()
+{
+    activateWindow();
+    raise();
+}
+
+QString OssMainWindow::chooseProjectFile(bool save)
+{
+    // A queued answer stands for the user's choice; without popups nothing is chosen.
+    QString path;
+    if (OssApplication::hasDialogAnswer()) {
+        path = OssApplication::takeDialogAnswer().toString();
+    } else if (OssApplication::popupsAllowed()) {
+        const QString folder = OssResourceInfo::instance()->projectPath();
+        const QString filter = tr("Ossa projects (*.ossa)");
+        path = save ? QFileDialog::getSaveFileName(this, tr("Save Project As"), folder, filter)
+                    : QFileDialog::getOpenFileName(this, tr("Open Project"), folder, filter);
+        takeBackFocus();
+    }
+    return path;
+}
+
+bool OssMainWindow::maybeSave()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project || OssUndoManager::instance()->isClean())
+        return true;
+    const QString name =
+        project->filePath().isEmpty() ? project->name() : QFileInfo(project->filePath()).fileName();
+    const QMessageBox::StandardButton answer = OssMessageBox::warning(
+        this, tr("Save Changes"),
+        tr("The project \"%1\" has unsaved changes.\nDo you want to save them?").arg(name),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    takeBackFocus();
+    switch (answer) {
+    case QMessageBox::Save:
+        return saveProject();
+    case QMessageBox::Discard:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void OssMainWindow::closeEvent(QCloseEvent *event)
+{
+    if (maybeSave())
+        event->accept();
+    else
+        event->ignore();
+}
+
 void OssMainWindow::newProject()
 {
+    if (!maybeSave())
+        return;
     OssProjectManager::instance()->newProject();
 }
 
 bool OssMainWindow::openProject(const QString &path)
+{
+    if (!maybeSave())
+        return false;
+    return load(path);
+}
+
+bool OssMainWindow::load(const QString &path)
 {
     QString error;
     if (!OssProjectManager::instance()->openProject(path, &error)) {
@@ -240,11 +416,11 @@ bool OssMainWindow::openProject(const QString &path)
 
 void OssMainWindow::openProjectDialog()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open Project"),
-                                                      OssResourceInfo::instance()->projectPath(),
-                                                      tr("Ossa projects (*.ossa)"));
+    if (!maybeSave())
+        return;
+    const QString path = chooseProjectFile(false);
     if (!path.isEmpty())
-        openProject(path);
+        load(path);
 }
 
 bool OssMainWindow::saveProject()
@@ -254,7 +430,8 @@ bool OssMainWindow::saveProject()
         return false;
     if (project->filePath().isEmpty()) {
         saveProjectAsDialog();
-        return !OssProjectManager::instance()->currentProject()->filePath().isEmpty();
+        const OssProject *current = OssProjectManager::instance()->currentProject();
+        return current && !current->filePath().isEmpty() && OssUndoManager::instance()->isClean();
     }
     return saveProjectAs(project->filePath());
 }
@@ -266,14 +443,13 @@ bool OssMainWindow::saveProjectAs(const QString &path)
         reportError(tr("Save Project"), error);
         return false;
     }
+    updateTitle();
     return true;
 }
 
 void OssMainWindow::saveProjectAsDialog()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Project As"),
-                                                      OssResourceInfo::instance()->projectPath(),
-                                                      tr("Ossa projects (*.ossa)"));
+    const QString path = chooseProjectFile(true);
     if (!path.isEmpty())
         saveProjectAs(path);
 }

@@ -177,10 +177,20 @@ void OssPreferencesDialog::apply()
 
 void OssPreferencesDialog::restoreDefaults()
 {
+    // The defaults go into the editors only: Apply or OK writes them, Cancel drops them.
     const QString page = m_pages->currentItem() ? m_pages->currentItem()->text() : QString();
-    for (const Row &row : qAsConst(m_rows))
-        if (row.preference.page == page && row.preference.isValid())
-            row.preference.reset();
-    OssPreferenceManager::instance()->savePreferences();
-    refresh();
+    for (const Row &row : qAsConst(m_rows)) {
+        if (row.preference.page != page || !row.preference.isValid())
+            continue;
+        QVariant value = row.preference.defaultValue();
+        if (!value.isValid()) {
+            // Only the object's reset knows the default: reset, read, and put the value back.
+            const QVariant current = row.preference.value();
+            if (!row.preference.reset())
+                continue;
+            value = row.preference.value();
+            row.preference.setValue(current);
+        }
+        setEditorValue(row, value);
+    }
 }

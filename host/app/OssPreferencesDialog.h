@@ -24,7 +24,8 @@ public:
 
 public slots:
     void apply();
-    // Puts every preference of the current page back to its default.
+    // Shows the default of every preference of the current page in its editor; Apply or OK
+    // writes them.
     void restoreDefaults();
     // Reads the current values into the editors.
     void refresh();

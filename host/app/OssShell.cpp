@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QGraphicsView>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -49,6 +50,17 @@ bool isBlank(const QImage &image)
             if (image.pixel(x, y) != first)
                 return false;
     return true;
+}
+
+// The node graph: the largest graphics view shown in the window.
+QGraphicsView *largestGraphicsView(QWidget &window)
+{
+    QGraphicsView *largest = nullptr;
+    for (QGraphicsView *view : window.findChildren<QGraphicsView *>())
+        if (view->isVisible() && view->scene() &&
+            (!largest || view->width() * view->height() > largest->width() * largest->height()))
+            largest = view;
+    return largest;
 }
 
 } // namespace
@@ -126,6 +138,12 @@ int ossRunShell(int argc, char **argv)
         // Views bind to their networks with a delay; give them time before the picture.
         QTimer::singleShot(900, &window, [&] {
             QApplication::processEvents();
+            // The picture shows the whole graph framed in the view at its final size.
+            QGraphicsView *graph = largestGraphicsView(window);
+            if (graph && graph->metaObject()->indexOfSlot("frameNodes()") >= 0) {
+                QMetaObject::invokeMethod(graph, "frameNodes", Qt::DirectConnection);
+                QApplication::processEvents();
+            }
             const QImage image = window.grab().toImage();
             QDir().mkpath(QFileInfo(path).absolutePath());
             if (isBlank(image) || !image.save(path, "PNG")) {
@@ -133,6 +151,19 @@ int ossRunShell(int argc, char **argv)
                 exitCode = 1;
             } else {
                 out << "Screenshot written to " << path << '\n';
+                // A second picture with the node graph at 100 %, about the same centre, where
+                // every title and port label is drawn at its full size.
+                if (graph) {
+                    const QPointF centre = graph->mapToScene(graph->viewport()->rect().center());
+                    graph->resetTransform();
+                    graph->centerOn(centre);
+                    QApplication::processEvents();
+                    const QFileInfo framed(path);
+                    const QString full = framed.absolutePath() + QLatin1Char('/') +
+                                         framed.completeBaseName() + QStringLiteral("-100.png");
+                    if (window.grab().toImage().save(full, "PNG"))
+                        out << "Screenshot at 100 % zoom written to " << full << '\n';
+                }
             }
             out.flush();
             err.flush();

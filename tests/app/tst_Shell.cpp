@@ -5,9 +5,14 @@
 #include <OssPreferencesDialog.h>
 
 #include <OssActionTreeManager.h>
+#include <OssApplication.h>
 #include <OssPalette.h>
 #include <OssPreferenceManager.h>
+#include <OssProject.h>
 #include <OssProjectManager.h>
+#include <OssShaderNetwork.h>
+#include <OssShaderNetworkManager.h>
+#include <OssShadingGroup.h>
 #include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
@@ -16,8 +21,10 @@
 #include <QComboBox>
 #include <QDockWidget>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProcess>
 #include <QSpinBox>
 #include <QtTest>
@@ -99,6 +106,8 @@ private slots:
     void initTestCase()
     {
         QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
+        // Windows closed by the tests must not end the test program's event loops.
+        QApplication::setQuitOnLastWindowClosed(false);
         OssPreferenceManager *preferences = OssPreferenceManager::instance();
         for (const char *key : {"style", "snap", "steps", "scale", "label", "mode"})
             QVERIFY(preferences->registerPreference(
@@ -107,7 +116,123 @@ private slots:
                 &m_settings, key));
     }
 
-    void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
+    void cleanup()
+    {
+        OssApplication::clearDialogAnswers();
+        QVERIFY2(m_host.reset(), qPrintable(m_host.errorString()));
+    }
+
+    // The title names the project's file (or the project while it has none) and carries the
+    // modified mark while the history is away from the last save.
+    void titleNamesTheFileAndMarksEdits()
+    {
+        OssMainWindow window;
+        OssShaderNetwork *network = m_host.newProject();
+        QVERIFY(network);
+        QCOMPARE(window.windowTitle(), QStringLiteral("Ossa - Untitled[*]"));
+        QVERIFY(!window.isWindowModified());
+        network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(window.isWindowModified());
+        QVERIFY(window.saveProjectAs(m_host.scratchPath(QStringLiteral("titled.ossa"))));
+        QCOMPARE(window.windowTitle(), QStringLiteral("Ossa - titled.ossa[*]"));
+        QVERIFY(!window.isWindowModified());
+        OssUndoManager::instance()->undo();
+        QVERIFY(window.isWindowModified());
+        OssUndoManager::instance()->redo();
+        QVERIFY(!window.isWindowModified());
+        QVERIFY(window.openProject(m_host.samplePath()));
+        QCOMPARE(window.windowTitle(), QStringLiteral("Ossa - sample.ossa[*]"));
+        QVERIFY(!window.isWindowModified());
+    }
+
+    // New, Open and closing the window ask about unsaved edits: Save writes them first,
+    // Discard drops them, Cancel leaves the project, its edits and the window as they were.
+    void unsavedEditsAreAskedAbout_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<int>("answer");
+        const struct
+        {
+            const char *name;
+            QMessageBox::StandardButton button;
+        } answers[] = {{"save", QMessageBox::Save},
+                       {"discard", QMessageBox::Discard},
+                       {"cancel", QMessageBox::Cancel}};
+        for (const char *command : {"new", "open", "quit"})
+            for (const auto &answer : answers)
+                QTest::addRow("%s, %s", command, answer.name)
+                    << QString::fromLatin1(command) << int(answer.button);
+    }
+
+    void unsavedEditsAreAskedAbout()
+    {
+        QFETCH(QString, command);
+        QFETCH(int, answer);
+        const QString path = m_host.scratchPath(QStringLiteral("edited.ossa"));
+        QFile::remove(path);
+        QVERIFY(m_host.newProject());
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        OssMainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        project->networks().first()->createNode(QStringLiteral("Filter/Blur"), "Edit");
+        QVERIFY(window.isWindowModified());
+
+        OssApplication::queueDialogAnswer(answer);
+        bool closed = false;
+        if (command == QLatin1String("new")) {
+            window.newProject();
+        } else if (command == QLatin1String("open")) {
+            OssApplication::queueDialogAnswer(m_host.samplePath());
+            window.openProjectDialog();
+        } else {
+            closed = window.close();
+        }
+        QVERIFY(!OssApplication::hasDialogAnswer() || answer == QMessageBox::Cancel);
+        OssApplication::clearDialogAnswers();
+
+        if (answer == QMessageBox::Cancel) {
+            QCOMPARE(OssProjectManager::instance()->currentProject(), project);
+            QVERIFY(project->networks().first()->node("Edit"));
+            QVERIFY(window.isWindowModified());
+            QVERIFY(!closed);
+            QVERIFY(window.isVisible());
+        } else {
+            QCOMPARE(closed, command == QLatin1String("quit"));
+            if (command != QLatin1String("quit"))
+                QVERIFY(OssProjectManager::instance()->currentProject() != project);
+        }
+        // What the file holds: the edit only when saved.
+        OssShaderNetwork *reopened = m_host.openProject(path);
+        QVERIFY2(reopened, qPrintable(m_host.errorString()));
+        QCOMPARE(reopened->node("Edit") != nullptr, answer == QMessageBox::Save);
+    }
+
+    // An untitled project asks for a file when Save is chosen; cancelling that dialog cancels
+    // the command.
+    void savingAnUntitledProjectAsksForAFile()
+    {
+        OssMainWindow window;
+        OssShaderNetwork *network = m_host.newProject();
+        network->createNode(QStringLiteral("Filter/Blur"), "Edit");
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        OssApplication::queueDialogAnswer(int(QMessageBox::Save));
+        OssApplication::queueDialogAnswer(QString());
+        window.newProject();
+        QCOMPARE(OssProjectManager::instance()->currentProject(), project);
+        QVERIFY(window.isWindowModified());
+        const QString path = m_host.scratchPath(QStringLiteral("chosen.ossa"));
+        QFile::remove(path);
+        OssApplication::queueDialogAnswer(int(QMessageBox::Save));
+        OssApplication::queueDialogAnswer(path);
+        window.newProject();
+        QVERIFY(OssProjectManager::instance()->currentProject() != project);
+        OssShaderNetwork *reopened = m_host.openProject(path);
+        QVERIFY2(reopened, qPrintable(m_host.errorString()));
+        QVERIFY(reopened->node("Edit"));
+    }
 
     void menuPaths_data()
     {
@@ -235,6 +360,96 @@ private slots:
         QCOMPARE(redo->text(), QStringLiteral("&Redo"));
     }
 
+    // Redo answers Ctrl+Y as well as Ctrl+Shift+Z.
+    void redoAnswersBothKeys()
+    {
+        OssMainWindow window;
+        QMenu *edit = nullptr;
+        for (QAction *entry : window.menuBar()->actions())
+            if (entry->text() == QLatin1String("&Edit"))
+                edit = entry->menu();
+        QVERIFY(edit);
+        const QList<QKeySequence> keys = edit->actions().at(1)->shortcuts();
+        QVERIFY(keys.contains(QKeySequence(QStringLiteral("Ctrl+Y"))));
+        QVERIFY(keys.contains(QKeySequence(QStringLiteral("Ctrl+Shift+Z"))));
+    }
+
+    // The Project menu lists the shading groups; choosing one makes its network current.
+    void projectMenuChoosesTheShadingGroup()
+    {
+        OssMainWindow window;
+        OssShaderNetwork *shell = m_host.openSample();
+        QVERIFY2(shell, qPrintable(m_host.errorString()));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        QCOMPARE(project->shadingGroups().size(), 2);
+        OssShaderNetwork *visor = project->shadingGroups().at(1)->network();
+        const auto groups = [&window] {
+            emit window.projectMenu()->aboutToShow();
+            QList<QAction *> actions;
+            for (QAction *action : window.projectMenu()->actions())
+                if (action->isCheckable())
+                    actions.append(action);
+            return actions;
+        };
+        QList<QAction *> actions = groups();
+        QCOMPARE(actions.size(), 2);
+        QCOMPARE(actions.at(0)->text(), QStringLiteral("Helmet_Shell_SG (Helmet)"));
+        QCOMPARE(actions.at(1)->text(), QStringLiteral("Helmet_Visor_SG (Helmet)"));
+        QVERIFY(actions.at(0)->isChecked());
+        actions.at(1)->trigger();
+        QCOMPARE(OssShaderNetworkManager::instance()->currentShaderNetwork(), visor);
+        actions = groups();
+        QVERIFY(!actions.at(0)->isChecked());
+        QVERIFY(actions.at(1)->isChecked());
+        QVERIFY(window.showShadingGroup(QStringLiteral("Helmet_Shell_SG")));
+        QCOMPARE(OssShaderNetworkManager::instance()->currentShaderNetwork(), shell);
+        QVERIFY(!window.showShadingGroup(QStringLiteral("Nowhere_SG")));
+        QCOMPARE(OssShaderNetworkManager::instance()->currentShaderNetwork(), shell);
+    }
+
+    // A wider window widens the node graph, the panel keeps its width; the node graph shown
+    // again after being closed takes its large share back.
+    void theNodeGraphTakesTheRoom()
+    {
+        // The first palette (the plug-in's node graph, when a test loaded it) is the large one.
+        QList<OssPalette *> made;
+        while (OssPaletteManager::instance()->palettes().size() < 2) {
+            made.append(new OssPalette);
+            made.last()->setObjectName(QStringLiteral("Palette %1").arg(made.size()));
+            QVERIFY(OssPaletteManager::instance()->registerPalette(made.last()));
+        }
+        OssMainWindow window;
+        QDockWidget *main = window.dockFor(OssPaletteManager::instance()->palettes().at(0));
+        QDockWidget *side = window.dockFor(OssPaletteManager::instance()->palettes().at(1));
+        QVERIFY(main && side);
+        window.resize(1600, 1000);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.arrangeDocks();
+        QTRY_VERIFY2(main->width() > side->width() * 2,
+                     qPrintable(QStringLiteral("%1 %2 %3 %4")
+                                    .arg(main->width())
+                                    .arg(side->width())
+                                    .arg(OssPaletteManager::instance()->palettes().size())
+                                    .arg(window.width())));
+        const int panelWidth = side->width();
+        const int graphWidth = main->width();
+        window.resize(2000, 1000);
+        QTRY_COMPARE(window.width(), 2000);
+        QTRY_VERIFY2(qAbs(side->width() - panelWidth) <= 8,
+                     qPrintable(QStringLiteral("%1 %2 was %3 %4")
+                                    .arg(main->width())
+                                    .arg(side->width())
+                                    .arg(graphWidth)
+                                    .arg(panelWidth)));
+        QVERIFY(main->width() >= graphWidth + 390);
+        main->toggleViewAction()->trigger();
+        QTRY_VERIFY(main->isHidden());
+        main->toggleViewAction()->trigger();
+        QTRY_VERIFY(main->width() >= window.width() * 7 / 10);
+        qDeleteAll(made);
+    }
+
     void palettesBecomeDocks()
     {
         OssMainWindow window;
@@ -319,18 +534,54 @@ private slots:
         QVERIFY(m_settings.saves > saves);
     }
 
+    // Restore Defaults shows the defaults in the editors; Cancel leaves the preferences as they
+    // were and saves nothing, Apply writes them.
+    void restoreDefaultsWaitsForApply_data()
+    {
+        QTest::addColumn<bool>("applied");
+        QTest::newRow("cancelled") << false;
+        QTest::newRow("applied") << true;
+    }
+
+    void restoreDefaultsWaitsForApply()
+    {
+        QFETCH(bool, applied);
+        m_settings.setSteps(9);
+        const int saves = m_settings.saves;
+        {
+            OssPreferencesDialog dialog;
+            auto *pages = dialog.findChild<QListWidget *>();
+            QVERIFY(pages);
+            const QList<QListWidgetItem *> page = pages->findItems("Test Page", Qt::MatchExactly);
+            QCOMPARE(page.size(), 1);
+            pages->setCurrentItem(page.first());
+            dialog.restoreDefaults();
+            QCOMPARE(qobject_cast<QSpinBox *>(dialog.editorFor("Test Page", "steps"))->value(), 3);
+            QCOMPARE(m_settings.steps(), 9);
+            QCOMPARE(m_settings.saves, saves);
+            if (applied)
+                dialog.apply();
+            else
+                dialog.reject();
+        }
+        QCOMPARE(m_settings.steps(), applied ? 3 : 9);
+        QCOMPARE(m_settings.saves > saves, applied);
+    }
+
     void shellProcess_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("output");
-        QTest::newRow("sample project")
-            << QStringList{QStringLiteral(OSS_SAMPLE_PROJECT)} << 0 << "Screenshot written to ";
-        QTest::newRow("no project") << QStringList{} << 0 << "Screenshot written to ";
-        QTest::newRow("bad plug-in folder")
-            << QStringList{"--plugin-dir", "/nonexistent"} << 0 << "Screenshot written to ";
+        // Whether the node graph is there for a second picture at 100 % zoom.
+        QTest::addColumn<bool>("graph");
+        QTest::newRow("sample project") << QStringList{QStringLiteral(OSS_SAMPLE_PROJECT)} << 0
+                                        << "Screenshot written to " << true;
+        QTest::newRow("no project") << QStringList{} << 0 << "Screenshot written to " << true;
+        QTest::newRow("bad plug-in folder") << QStringList{"--plugin-dir", "/nonexistent"} << 0
+                                            << "Screenshot written to " << false;
         QTest::newRow("missing project")
-            << QStringList{"/nonexistent/project.ossa"} << 1 << "Screenshot written to ";
+            << QStringList{"/nonexistent/project.ossa"} << 1 << "Screenshot written to " << true;
     }
 
     void shellProcess()
@@ -338,6 +589,7 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, output);
+        QFETCH(bool, graph);
         const QString picture =
             m_host.scratchPath(QTest::currentDataTag() + QStringLiteral(".png"));
         QProcess shell;
@@ -351,7 +603,14 @@ private slots:
         QVERIFY(shell.waitForFinished(60000));
         const QString standardOutput = QString::fromUtf8(shell.readAllStandardOutput());
         QCOMPARE(shell.exitCode(), exitCode);
-        QCOMPARE(standardOutput, output + QFileInfo(picture).absoluteFilePath() + "\n");
+        const QStringList lines = standardOutput.split('\n', Qt::SkipEmptyParts);
+        QVERIFY(!lines.isEmpty());
+        QCOMPARE(lines.first(), output + QFileInfo(picture).absoluteFilePath());
+        // Beside the framed picture, one at 100 % zoom.
+        const QString full = QFileInfo(picture).absolutePath() + '/' +
+                             QFileInfo(picture).completeBaseName() + "-100.png";
+        QCOMPARE(lines.value(1), graph ? "Screenshot at 100 % zoom written to " + full : QString());
+        QCOMPARE(!QImage(full).isNull(), graph);
         QImage image(picture);
         QVERIFY(!image.isNull());
         QSet<QRgb> colours;

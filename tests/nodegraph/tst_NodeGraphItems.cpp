@@ -4,6 +4,7 @@
 #include <OssNgEdge.h>
 #include <OssNgExtendedNode.h>
 #include <OssNgNodeState.h>
+#include <OssNgStyle.h>
 #include <OssNgUINodes.h>
 #include <OssNgUndo.h>
 
@@ -11,6 +12,7 @@
 #include <OssSerializer.h>
 #include <OssUndoManager.h>
 
+#include <QFontMetricsF>
 #include <QGraphicsScene>
 #include <QImage>
 #include <QPainter>
@@ -397,6 +399,119 @@ private slots:
         QCOMPARE(clone->portListModeAsInt(), 2);
     }
 
+    // The title (with the icon's room before it) sits between the input and output label
+    // columns: each label has the width its text needs, inside the node, and nothing overlaps.
+    void titleAndLabelsNeverOverlap_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QStringList>("inputs");
+        QTest::addColumn<QStringList>("outputs");
+        QTest::addColumn<bool>("icon");
+        QTest::newRow("merge") << "Paint_Merge" << QStringList{"Base", "Over", "Mask"}
+                               << QStringList{"Output"} << false;
+        QTest::newRow("long labels")
+            << "Surface" << QStringList{"Diffuse Color", "Specular Color", "Roughness", "Normal"}
+            << QStringList{"Output"} << false;
+        QTest::newRow("icon and one input")
+            << "Viewer" << QStringList{"Input"} << QStringList{} << true;
+        QTest::newRow("long title, long output")
+            << "Wear_Broadcast (WearMask)" << QStringList{"Input"} << QStringList{"Scratch_Height"}
+            << true;
+        QTest::newRow("no ports") << "Backdrop like" << QStringList{} << QStringList{} << false;
+    }
+
+    void titleAndLabelsNeverOverlap()
+    {
+        QFETCH(QString, title);
+        QFETCH(QStringList, inputs);
+        QFETCH(QStringList, outputs);
+        QFETCH(bool, icon);
+        QGraphicsScene scene;
+        OssNgExtendedNode *node = makeNode(scene, title, {0, 0}, inputs, outputs);
+        if (icon) {
+            QPixmap pixmap(32, 32);
+            pixmap.fill(Qt::red);
+            node->setPixmap(pixmap, QPoint());
+        }
+        const QRectF body(QPointF(0, 0), node->nodeSize());
+        const QRectF titleRect = node->titleRect();
+        const QFontMetricsF titleMetrics(OssNgStyle::instance()->titleFont());
+        const QFontMetricsF labelMetrics(OssNgStyle::instance()->labelFont());
+        QVERIFY(body.contains(titleRect));
+        // The title's text fits beside the icon.
+        const qreal iconRoom = icon ? 16 : 0;
+        QVERIFY(titleRect.width() - iconRoom >= titleMetrics.horizontalAdvance(title));
+        QList<QRectF> labels;
+        for (const bool input : {true, false})
+            for (const QString &port : input ? inputs : outputs) {
+                const QRectF label = node->portLabelRect(port, input);
+                QVERIFY2(!label.isEmpty(), qPrintable(port));
+                QVERIFY2(body.contains(label), qPrintable(port));
+                QVERIFY2(label.width() >= labelMetrics.horizontalAdvance(port), qPrintable(port));
+                QVERIFY2(!label.intersects(titleRect), qPrintable(port));
+                for (const QRectF &other : qAsConst(labels))
+                    QVERIFY2(!label.intersects(other), qPrintable(port));
+                labels.append(label);
+            }
+    }
+
+    // Backdrop titles and sticky-note text stay readable when zoomed far out: drawn larger in
+    // the scene, they stay at least the landmark size tall on screen.
+    void landmarkTextStaysReadable_data()
+    {
+        QTest::addColumn<bool>("backdrop");
+        QTest::addColumn<qreal>("scale");
+        QTest::newRow("backdrop at 100 %") << true << 1.0;
+        QTest::newRow("backdrop at 20 %") << true << 0.2;
+        QTest::newRow("backdrop at 8 %") << true << 0.08;
+        QTest::newRow("sticky note at 30 %") << false << 0.3;
+        QTest::newRow("sticky note at 10 %") << false << 0.1;
+    }
+
+    void landmarkTextStaysReadable()
+    {
+        QFETCH(bool, backdrop);
+        QFETCH(qreal, scale);
+        QGraphicsScene scene;
+        scene.setBackgroundBrush(Qt::black);
+        QColor text;
+        if (backdrop) {
+            auto *item = new OssNgBackdropNode;
+            item->setTitleText(QStringLiteral("Dirt"));
+            item->setNodeSize(QSizeF(3000, 2000));
+            scene.addItem(item);
+            text = OssNgStyle::instance()->textColor();
+        } else {
+            auto *item = new OssNgUINode;
+            item->setTitleText(QStringLiteral("Note"));
+            item->setNodeSize(QSizeF(1200, 800));
+            scene.addItem(item);
+            text = Qt::black;
+        }
+        const QRectF source = scene.items().first()->sceneBoundingRect();
+        QImage image((source.size() * scale).toSize() + QSize(1, 1), QImage::Format_ARGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        scene.render(&painter, QRectF(QPointF(0, 0), source.size() * scale), source);
+        painter.end();
+        // The rows of the top left corner with pixels of the text's colour.
+        int top = image.height(), bottom = -1;
+        for (int y = 0; y < qMin(image.height(), 80); ++y)
+            for (int x = 0; x < qMin(image.width(), 120); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (qAbs(c.red() - text.red()) + qAbs(c.green() - text.green()) +
+                        qAbs(c.blue() - text.blue()) <
+                    40) {
+                    top = qMin(top, y);
+                    bottom = qMax(bottom, y);
+                }
+            }
+        QVERIFY2(bottom >= 0, "no text drawn");
+        // Capital letters are about two thirds of a line.
+        QVERIFY2(bottom - top + 1 >= OssNgStyle::instance()->landmarkTextPixels() * 0.5,
+                 qPrintable(QString::number(bottom - top + 1)));
+    }
+
     void levelOfDetailPaintsWithoutText()
     {
         // Far away a node is one filled box: rendering stays cheap and shows no text.
@@ -415,14 +530,18 @@ private slots:
         QVERIFY(colours.size() <= 3);
     }
 
-    // Near, a node shows its title and ports; at middle distance its ports but no title; far
-    // away, neither.
+    // Near, a node shows its title and ports; at middle distance its ports, and its title while
+    // that is tall enough to read; far away, neither.
     void levelsOfDetail_data()
     {
         QTest::addColumn<qreal>("scale");
         QTest::addColumn<bool>("titleShown");
         QTest::addColumn<bool>("portsShown");
         QTest::newRow("near") << 1.0 << true << true;
+        // Titles show whenever they are at least 7 pixels tall on screen.
+        const qreal title = OssNgStyle::instance()->titleTextHeight();
+        QTest::newRow("title 8 pixels tall") << 8.0 / title << true << true;
+        QTest::newRow("title 6 pixels tall") << 6.0 / title << false << true;
         QTest::newRow("middle") << 0.3 << false << true;
         QTest::newRow("far") << 0.1 << false << false;
     }

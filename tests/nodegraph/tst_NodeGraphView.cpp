@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QGraphicsScene>
 #include <QPainter>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -84,7 +85,8 @@ private slots:
 
     void init()
     {
-        m_scene = new QGraphicsScene(-2000, -2000, 4000, 4000);
+        // No scene rectangle: the scene's grows with its items, as the plug-in's scenes do.
+        m_scene = new QGraphicsScene;
         m_view = new View;
         m_view->setScene(m_scene);
         m_view->init();
@@ -317,6 +319,119 @@ private slots:
         QVERIFY(qAbs(m_view->zoom() - before * 1.15) < 1e-9);
         m_view->scaleView(1e6);
         QVERIFY(m_view->zoom() <= 8.0);
+    }
+
+    // The wheel zooms about the cursor: the scene point under it stays there to the pixel,
+    // anywhere in the viewport and whatever the size of the graph; with the centre as anchor,
+    // the centre stays.
+    void wheelZoomKeepsTheAnchorInPlace_data()
+    {
+        QTest::addColumn<QPoint>("cursor");
+        QTest::addColumn<bool>("underMouse");
+        QTest::newRow("middle") << QPoint(500, 400) << true;
+        QTest::newRow("top left corner") << QPoint(3, 4) << true;
+        QTest::newRow("bottom right corner") << QPoint(990, 790) << true;
+        QTest::newRow("right edge") << QPoint(995, 120) << true;
+        QTest::newRow("centre anchor") << QPoint(100, 700) << false;
+    }
+
+    void wheelZoomKeepsTheAnchorInPlace()
+    {
+        QFETCH(QPoint, cursor);
+        QFETCH(bool, underMouse);
+        m_view->setTransformationAnchor(underMouse ? QGraphicsView::AnchorUnderMouse
+                                                   : QGraphicsView::AnchorViewCenter);
+        const QPoint anchor = underMouse ? cursor : m_view->viewport()->rect().center();
+        const QPointF fixed = m_view->mapToSceneExact(QPointF(anchor));
+        const auto wheel = [this, cursor](int delta) {
+            QWheelEvent event(QPointF(cursor), m_view->viewport()->mapToGlobal(cursor), QPoint(),
+                              QPoint(0, delta), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                              false);
+            QApplication::sendEvent(m_view->viewport(), &event);
+        };
+        const double zoom = m_view->zoom();
+        for (int delta : {120, 120, 120, 120, 120, 120, 120, -120, -120, -120, -120, -120, -120,
+                          -120, -120, -120, -120, -120}) {
+            wheel(delta);
+            const QPointF now = m_view->mapFromScene(fixed);
+            QVERIFY2(qAbs(now.x() - anchor.x()) <= 1 && qAbs(now.y() - anchor.y()) <= 1,
+                     qPrintable(QStringLiteral("at %1, %2 after zooming to %3")
+                                    .arg(now.x())
+                                    .arg(now.y())
+                                    .arg(m_view->zoom())));
+        }
+        QVERIFY(m_view->zoom() < zoom);
+    }
+
+    // An endless canvas: a small graph pans any distance, by exactly the distance dragged, and
+    // no scroll bars show.
+    void panningGoesAnywhere_data()
+    {
+        QTest::addColumn<QPoint>("drag");
+        QTest::newRow("right") << QPoint(700, 0);
+        QTest::newRow("up") << QPoint(0, -600);
+        QTest::newRow("diagonal") << QPoint(-900, 700);
+    }
+
+    void panningGoesAnywhere()
+    {
+        QFETCH(QPoint, drag);
+        QVERIFY(!m_view->horizontalScrollBar()->isVisible());
+        QVERIFY(!m_view->verticalScrollBar()->isVisible());
+        const QPoint before = at(m_a->pos());
+        for (int round = 0; round < 3; ++round) {
+            const QPoint from(500, 400);
+            QTest::mousePress(m_view->viewport(), Qt::MiddleButton, {}, from);
+            QMouseEvent move(QEvent::MouseMove, from + drag,
+                             m_view->viewport()->mapToGlobal(from + drag), Qt::NoButton,
+                             Qt::MiddleButton, {});
+            QApplication::sendEvent(m_view->viewport(), &move);
+            QTest::mouseRelease(m_view->viewport(), Qt::MiddleButton, {}, from + drag);
+        }
+        QCOMPARE(at(m_a->pos()), before + drag * 3);
+    }
+
+    // Nothing moves unless the user moves it: adding a node far away, or dragging an edge out
+    // past the graph, leaves the nodes where they are on screen.
+    void theGraphStaysPutWhenItGrows()
+    {
+        const QPoint a = at(m_a->pos());
+        makeNode("Far", {6000, -4000});
+        QCoreApplication::processEvents();
+        QCOMPARE(at(m_a->pos()), a);
+        const QPoint output = at(m_a->outputPortScenePos("Output"));
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, output);
+        for (const QPoint &to : {QPoint(990, 790), QPoint(5, 5), QPoint(990, 10)}) {
+            QMouseEvent move(QEvent::MouseMove, to, m_view->viewport()->mapToGlobal(to),
+                             Qt::NoButton, Qt::LeftButton, {});
+            QApplication::sendEvent(m_view->viewport(), &move);
+            QCoreApplication::processEvents();
+            QCOMPARE(at(m_a->pos()), a);
+        }
+        const QPoint input = at(m_b->inputPortScenePos("Mask"));
+        QMouseEvent move(QEvent::MouseMove, input, m_view->viewport()->mapToGlobal(input),
+                         Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(m_view->viewport(), &move);
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, input);
+        QCOMPARE(m_requests.size(), 1);
+        QCOMPARE(m_requests.first().input, QStringLiteral("Mask"));
+        QCOMPARE(at(m_a->pos()), a);
+    }
+
+    // A rectangle the view showed is shown again exactly, however often it is restored.
+    void aShownRectangleIsRestoredExactly()
+    {
+        m_view->zoomAt(0.731, QPoint(217, 333));
+        m_view->centerOn(1234.5, -567.25);
+        const QRectF shown = m_view->viewportInSceneCoords();
+        const QTransform transform = m_view->transform();
+        for (int round = 0; round < 25; ++round) {
+            m_view->resetTransform();
+            m_view->centerOn(0, 0);
+            m_view->showSceneRect(shown);
+        }
+        QCOMPARE(m_view->viewportInSceneCoords(), shown);
+        QCOMPARE(m_view->transform(), transform);
     }
 
     void visibleBoundsAndFraming()

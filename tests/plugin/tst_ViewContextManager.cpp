@@ -8,8 +8,10 @@
 
 #include <OssActionTreeManager.h>
 #include <OssDebug.h>
+#include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgExtendedNode.h>
+#include <OssNgStyle.h>
 #include <OssPalette.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
@@ -114,6 +116,31 @@ private slots:
         QCOMPARE(OssShaderNetworkManager::instance()->currentViewNetwork(), a);
     }
 
+    // Any number of round trips to another network brings back the very rectangle left.
+    void roundTripsKeepTheViewExactly()
+    {
+        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Head"));
+        OssShadingGroup *second = project->addShadingGroup(QStringLiteral("Eyes_SG"), "Head");
+        OssShaderNetwork *a = project->networks().first();
+        OssShaderNetwork *b = second->network();
+        for (int i = 0; i < 3; ++i)
+            a->createNode(QStringLiteral("Filter/Blur"))->setSelected(false);
+        b->createNode(QStringLiteral("Filter/Blur"))->setSelected(false);
+        OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+        networks->setCurrentShaderNetwork(a);
+        OssShaderNetworkView *view = widget()->view();
+        view->scaleView(0.37);
+        view->centerOn(-811.5, 402.25);
+        const QRectF shown = view->viewportInSceneCoords();
+        const double zoom = view->zoom();
+        for (int round = 0; round < 20; ++round) {
+            networks->setCurrentShaderNetwork(b);
+            networks->setCurrentShaderNetwork(a);
+        }
+        QCOMPARE(view->zoom(), zoom);
+        QCOMPARE(view->viewportInSceneCoords(), shown);
+    }
+
     void collapsedModeActionOnlyTouchesStreamNodes()
     {
         OssShaderNetwork *network = OssProjectManager::instance()->newProject()->networks().first();
@@ -214,6 +241,21 @@ private slots:
                  qPrintable(QString::number(view->transform().m11(), 'g', 17)));
         view->frameSelectedNodes();
         QVERIFY(float(view->transform().m11()) <= 1.0f);
+        // Kept at 1:1, the framed nodes are in the middle of the view, wherever the cursor is.
+        if (nodes > 0) {
+            view->setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+            QTest::mouseMove(view->viewport(), QPoint(5, 5));
+            view->scaleView(0.3);
+            view->frameNodes();
+            const QPointF middle = view->viewportInSceneCoords().center();
+            const QPointF framed = view->visibleNodeBounds().center();
+            QVERIFY2(qAbs(middle.x() - framed.x()) <= 1 && qAbs(middle.y() - framed.y()) <= 1,
+                     qPrintable(QStringLiteral("%1, %2 against %3, %4")
+                                    .arg(middle.x())
+                                    .arg(middle.y())
+                                    .arg(framed.x())
+                                    .arg(framed.y())));
+        }
     }
 
     void fitAndEnsureVisibleLog()
@@ -455,6 +497,112 @@ private slots:
         QCOMPARE(manager()->sceneCount(), 0);
         QVERIFY(!manager()->groupNodeOfNetwork(inner));
         QTRY_VERIFY(manager()->viewRect(network).isNull());
+    }
+
+    // Opening a project while another is open, closing, and opening again in any order: the
+    // root view shows the open project's first network with every node of it, and the scenes
+    // of the open project's group networks stay.
+    void openingOverAnOpenProjectShowsItsGraph_data()
+    {
+        QTest::addColumn<QStringList>("steps");
+        QTest::newRow("sample over new") << QStringList{"new", "sample"};
+        QTest::newRow("other over sample") << QStringList{"sample", "other"};
+        QTest::newRow("sample over other over sample") << QStringList{"sample", "other", "sample"};
+        QTest::newRow("close, then open") << QStringList{"sample", "close", "other"};
+        QTest::newRow("new over sample") << QStringList{"sample", "new"};
+        QTest::newRow("same file again") << QStringList{"sample", "sample"};
+    }
+
+    void openingOverAnOpenProjectShowsItsGraph()
+    {
+        QFETCH(QStringList, steps);
+        // A second project on disk: the sample with one more node in its first network.
+        OssShaderNetwork *sample = m_host.openSample();
+        QVERIFY2(sample, qPrintable(m_host.errorString()));
+        sample->createNode(QStringLiteral("Filter/Blur"))->setName(QStringLiteral("OnlyInOther"));
+        const QString other = m_host.scratchPath(QStringLiteral("other.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(other, &error), qPrintable(error));
+        OssProjectManager::instance()->closeProject();
+
+        OssShaderNetworkView *view = widget()->view();
+        for (const QString &step : steps) {
+            if (step == QLatin1String("close")) {
+                OssProjectManager::instance()->closeProject();
+                QVERIFY(!view->scene());
+                continue;
+            }
+            OssShaderNetwork *network = nullptr;
+            if (step == QLatin1String("new"))
+                network = m_host.newProject();
+            else
+                network = m_host.openProject(step == QLatin1String("other") ? other
+                                                                            : m_host.samplePath());
+            QVERIFY2(network, qPrintable(m_host.errorString()));
+            QCOMPARE(network->node(QStringLiteral("OnlyInOther")) != nullptr,
+                     step == QLatin1String("other"));
+            QCOMPARE(view->network(), network);
+            QVERIFY(view->scene());
+            QCOMPARE(view->scene(), manager()->sceneForNetwork(network));
+            for (OssSnBaseNode *node : network->nodes()) {
+                OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
+                QVERIFY2(gui && gui->scene() == view->scene(), qPrintable(node->name()));
+            }
+            for (OssSnBaseNode *node : network->getAllNodes())
+                if (auto *group = qobject_cast<OssSnGroupNode *>(node)) {
+                    QVERIFY(manager()->hasScene(group->groupNetwork()));
+                    QCOMPARE(manager()->groupNodeOfNetwork(group->groupNetwork()), group);
+                }
+            // The framed view shows the nodes.
+            const QRectF shown = view->viewportInSceneCoords();
+            QVERIFY(shown.intersects(view->visibleNodeBounds()) || network->nodes().isEmpty());
+        }
+    }
+
+    // The sample project as the shell first shows it, in the node graph of a 1600 x 1000
+    // window: every node title is drawn, no two nodes overlap, and no two backdrops do (a
+    // backdrop carries the nodes on it when dragged).
+    void theSampleIsReadableWhenFramed()
+    {
+        OssShaderNetwork *network = m_host.openSample();
+        QVERIFY2(network, qPrintable(m_host.errorString()));
+        QWidget *window = widget()->window();
+        const QSize size = window->size();
+        window->resize(1190, 860);
+        OssShaderNetworkView *view = widget()->view();
+        QTRY_VERIFY(view->viewport()->width() > 1100);
+        view->frameNodes(true);
+        const OssNgStyle *style = OssNgStyle::instance();
+        QVERIFY2(view->zoom() * style->titleTextHeight() >= style->minimumTextPixels(),
+                 qPrintable(QString::number(view->zoom())));
+        QList<OssNgNode *> nodes, backdrops;
+        for (OssSnBaseNode *node : network->nodes()) {
+            OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node);
+            QVERIFY(gui);
+            (qobject_cast<OssNgBackdropNode *>(gui) ? backdrops : nodes).append(gui);
+        }
+        const auto overlapping = [](const QList<OssNgNode *> &items) {
+            for (int i = 0; i < items.size(); ++i)
+                for (int j = i + 1; j < items.size(); ++j)
+                    if (items.at(i)->sceneBoundingRect().intersects(
+                            items.at(j)->sceneBoundingRect()))
+                        return items.at(i)->text() + " and " + items.at(j)->text();
+            return QString();
+        };
+        QCOMPARE(overlapping(nodes), QString());
+        QCOMPARE(overlapping(backdrops), QString());
+        QVERIFY(backdrops.size() >= 2);
+        window->resize(size);
+        // Nor do nodes overlap in the other shading group's network.
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        for (OssShaderNetwork *other : project->networks()) {
+            QList<OssNgNode *> guis;
+            for (OssSnBaseNode *node : other->nodes())
+                if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(node))
+                    if (!qobject_cast<OssNgBackdropNode *>(gui))
+                        guis.append(gui);
+            QCOMPARE(overlapping(guis), QString());
+        }
     }
 
     // Removing many nodes at once runs without a spatial index, which comes back when the event
