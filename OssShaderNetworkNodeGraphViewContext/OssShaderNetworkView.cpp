@@ -53,7 +53,6 @@ OssShaderNetworkView::OssShaderNetworkView(QWidget *parent) : OssNgView(parent)
             &OssShaderNetworkView::onShakeToExtractTriggered);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
             &OssShaderNetworkView::onProjectClosed);
-    connect(this, &OssNgView::nodesMoved, this, &OssShaderNetworkView::recordMoves);
     // The manager creating this view finishes its own set-up first; the timer dies with the
     // view, so a view gone within the delay never binds.
     QTimer::singleShot(500, this, &OssShaderNetworkView::deferredConnectToViewContextManager);
@@ -207,16 +206,6 @@ void OssShaderNetworkView::mouseDoubleClickEvent(QMouseEvent *event)
             OssShaderNetworkManager::instance()->setCurrentViewerNode(node);
     }
     QGraphicsView::mouseDoubleClickEvent(event);
-}
-
-void OssShaderNetworkView::deactivateDotableMode()
-{
-    if (!scene())
-        return;
-    for (QGraphicsItem *item : scene()->items())
-        if (item->type() == OssNgEdge::Type)
-            static_cast<OssNgEdge *>(static_cast<QGraphicsObject *>(item))
-                ->switchToDotableMode(false);
 }
 
 // --- framing
@@ -581,19 +570,4 @@ bool OssShaderNetworkView::connectToViewer(OssSnBaseNode *node, int number)
         return false;
     return viewerNode->connectViewerInput(QString::number(number), node,
                                           node->prefferedOutputPoint());
-}
-
-void OssShaderNetworkView::recordMoves(const QList<OssNgNode *> &nodes)
-{
-    // A drag of several nodes is one undo step; the items are already where the user left them.
-    OssUndoManager::AutoMacro macro(QStringLiteral("Move Nodes"));
-    for (OssNgNode *node : nodes)
-        macro.addUndo(new OssNgNodePositionChangeUndo(node, node->savedPosition(), node->pos()),
-                      false);
-    // A moved backdrop pushes aside the containers it now reaches.
-    for (OssNgNode *node : nodes)
-        if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(node))
-            settleContainersAround(qobject_cast<OssSnBaseNode *>(backdrop->parent()),
-                                   QRectF(backdrop->savedPosition(), backdrop->nodeSize()));
-    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }

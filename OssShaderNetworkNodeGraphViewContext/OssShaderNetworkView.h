@@ -65,13 +65,24 @@ public:
     // cursor, as one undo step.
     OssSnBaseNode *createNodeFromAction(QAction *action);
     OssSnBaseNode *createNodeAt(const QString &pathKey, const QPointF &scenePos);
-    void deactivateDotableMode();
     // Puts a new dot node into an edge (the caller holds the undo macro).
     OssSnBaseNode *insertDotIntoEdge(OssNgEdge *edge);
     // Connects a node's preferred output to the viewer's input Number and shows it there.
     bool connectToViewer(OssSnBaseNode *node, int number);
 
 public slots:
+    // --- pointer and keyboard interaction
+    // Shows the dot markers of the fully connected edges in sight.
+    void highlightDotableEdges();
+    // Hides the dot markers of every edge of the scene.
+    void deactivateDotableMode();
+    // Drops the edge that grabs the mouse, if any.
+    void dropGrabbedEdge();
+    // Switches between edge-sever tracking and normal tracking.
+    void toggleEdgeSeverAction();
+    // Creates a dot at the cursor and splices it into CandidateEdge, as one undo step.
+    void createUnconnectedDotNode(OssNgEdge *CandidateEdge);
+
     void frameNodes(bool EntireScene);
     void frameNodes() { frameNodes(true); }
     void frameSelectedNodes();
@@ -137,6 +148,15 @@ signals:
 
 protected:
     void focusOutEvent(QFocusEvent *event) override;
+    // A press records where the selected nodes (and what their backdrops carry) start; the
+    // release after a node drag records the move as one undo step and splices dropped nodes
+    // into edges.
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    // Control shows the dot markers, Ctrl+Return opens a selected group, Escape drops a grabbed
+    // edge; every key then goes on to the base view.
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
     // Opens the node's properties; with Control held a group opens its subgraph, and a viewer
     // node becomes the current viewer.
     void mouseDoubleClickEvent(QMouseEvent *event) override;
@@ -161,7 +181,8 @@ private:
     void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPointF *position);
     void batchSwapInputs(OssSnMultiChannelMergeNode *merge);
     void applyZoomAnchor();
-    void recordMoves(const QList<OssNgNode *> &nodes);
+    // The undo step of a node drag, from m_nodeStartPositions to where the nodes are now.
+    void recordNodeMoves();
     // The backdrop of a container node; logs and answers null when its GUI node is another kind.
     class OssNgBackdropNode *containerBackdrop(OssSnBaseNode *container) const;
     void moveContainerBy(class OssNgBackdropNode *backdrop, const QPointF &delta);

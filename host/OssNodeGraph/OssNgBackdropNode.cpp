@@ -94,6 +94,13 @@ void OssNgBackdropNode::setPosition(const QPointF &position)
     setPos(position);
 }
 
+void OssNgBackdropNode::placeAlone(const QPointF &position)
+{
+    m_movingChildren = true;
+    setPos(position);
+    m_movingChildren = false;
+}
+
 void OssNgBackdropNode::setTitleText(const QString &title)
 {
     m_title = title;

@@ -5,7 +5,9 @@
 #include <QList>
 #include <QPointer>
 
-// A titled, resizable rectangle behind a group of nodes. Moving it moves the nodes inside.
+// A titled, resizable rectangle behind a group of nodes. Moving it moves the nodes inside: a
+// position set on it (a user's drag, setPosition()) drags its unselected children along.
+// Undo steps restore every moved node on its own, so they place the backdrop with placeAlone().
 class OSSNODEGRAPH_EXPORT OssNgBackdropNode : public OssNgNode
 {
     Q_OBJECT
@@ -35,7 +37,11 @@ public:
     void setZOrder(int zOrder);
     // Moves the backdrop and its children.
     void setPosition(const QPointF &position);
+    // Moves the backdrop only; its children stay where they are.
+    void placeAlone(const QPointF &position);
     QColor backgroundColour() const { return m_background; }
+    // Between a press on the resize handle and its release.
+    bool isResizing() const { return m_resizing; }
 
     bool hitTest(const QPointF &local) const override;
     QRectF boundingRect() const override;

@@ -3,6 +3,7 @@
 #include "OssNgNode.h"
 #include "OssNgStyle.h"
 
+#include <QEvent>
 #include <QGraphicsScene>
 #include <QPainter>
 #include <QPainterPathStroker>
@@ -167,6 +168,22 @@ void OssNgEdge::releaseMouse(const QPointF &scenePos, bool discard)
     }
 }
 
+void OssNgEdge::setInsertionHighlighted(bool on)
+{
+    if (m_insertionHighlighted == on)
+        return;
+    m_insertionHighlighted = on;
+    update();
+}
+
+bool OssNgEdge::sceneEvent(QEvent *event)
+{
+    const bool handled = QGraphicsObject::sceneEvent(event);
+    if (event->type() == QEvent::UngrabMouse)
+        emit mouseGrabLost();
+    return handled;
+}
+
 QRectF OssNgEdge::boundingRect() const
 {
     const qreal margin = m_dotable ? 10.0 : 4.0;
@@ -233,6 +250,8 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         color = style->sharedEdgeColor();
     if (m_debug && m_debugColor.isValid())
         color = m_debugColor;
+    if (m_insertionHighlighted)
+        color = style->selectedColor();
     if (detail < style->levelOfDetailThreshold()) {
         // Far away: a straight line is enough.
         painter->setPen(QPen(color, 0));
@@ -240,8 +259,8 @@ void OssNgEdge::paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
         return;
     }
     const bool middle = detail < style->textThreshold();
-    QPen pen(color, m_activated ? 2.5 : 1.6);
-    if (middle || (detail < 1.0 && !m_activated)) {
+    QPen pen(color, m_activated || m_insertionHighlighted ? 2.5 : 1.6);
+    if (middle || (detail < 1.0 && !m_activated && !m_insertionHighlighted)) {
         // Zoomed out, the line is at most a pixel and a half wide and looks the same one pixel
         // wide, which the rasteriser draws without building a stroke.
         pen.setWidthF(1.0);

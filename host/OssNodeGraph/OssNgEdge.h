@@ -63,6 +63,9 @@ public:
     bool hitsDotMarker(const QPointF &scenePos) const;
     // Drops a grabbed edge: ends a drag. With Discard the edge is deleted later.
     void releaseMouse(const QPointF &scenePos, bool discard);
+    // Drawn highlighted while a node dragged over it would be spliced into it on drop.
+    void setInsertionHighlighted(bool on);
+    bool isInsertionHighlighted() const { return m_insertionHighlighted; }
 
     // Recomputes the curve from the ends.
     void adjust();
@@ -74,6 +77,13 @@ public:
     QPainterPath shape() const override;
     bool contains(const QPointF &point) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
+
+signals:
+    // The edge stopped being the scene's mouse grabber (dropped, or another item grabbed).
+    void mouseGrabLost();
+
+protected:
+    bool sceneEvent(QEvent *event) override;
 
 private:
     // The curve flattened to a polyline (hit tests, partial strokes).
@@ -99,4 +109,5 @@ private:
     bool m_activated = false;
     bool m_debug = false;
     bool m_dotable = false;
+    bool m_insertionHighlighted = false;
 };

@@ -794,14 +794,23 @@ QString OssNgNode::preferredOutputPort() const
 
 bool OssNgNode::processAutoinsert()
 {
-    if (!scene() || !m_inputEdges.isEmpty() || !m_outputEdges.isEmpty())
+    OssNgEdge *edge = autoinsertCandidate();
+    if (!edge)
         return false;
+    setupNodeForInsertionIntoEdge(edge);
+    return true;
+}
+
+OssNgEdge *OssNgNode::autoinsertCandidate() const
+{
+    if (!scene() || !m_inputEdges.isEmpty() || !m_outputEdges.isEmpty())
+        return nullptr;
     bool allowed = false;
     for (QGraphicsView *view : scene()->views())
         if (auto *graphView = qobject_cast<OssNgView *>(view))
             allowed = allowed || graphView->autoInsertEnabled();
     if (!allowed || preferredInputPort().isEmpty() || preferredOutputPort().isEmpty())
-        return false;
+        return nullptr;
     const QList<QGraphicsItem *> under =
         scene()->items(sceneBoundingRect(), Qt::IntersectsItemShape);
     for (QGraphicsItem *item : under) {
@@ -809,12 +818,11 @@ bool OssNgNode::processAutoinsert()
             continue;
         auto *edge = static_cast<OssNgEdge *>(item);
         if (edge->kind() != OssNgEdge::Kind::Connection || !edge->isFullConnected() ||
-            edge->sourceNode() == this || edge->targetNode() == this)
+            edge->sourceNode() == this || edge->targetNode() == this || !edge->isVisible())
             continue;
-        setupNodeForInsertionIntoEdge(edge);
-        return true;
+        return edge;
     }
-    return false;
+    return nullptr;
 }
 
 void OssNgNode::setupNodeForInsertionIntoEdge(OssNgEdge *edge)

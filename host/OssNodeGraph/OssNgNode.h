@@ -190,6 +190,8 @@ public:
     // Splices this node into the edge it lies on, when the view allows auto-insertion and the
     // node has no connections yet. True when it asked for the splice.
     bool processAutoinsert();
+    // The edge processAutoinsert() would splice this node into where it lies now, if any.
+    OssNgEdge *autoinsertCandidate() const;
     // Asks to splice this node into Edge: the edge's source feeds this node's preferred input
     // and this node's preferred output feeds the edge's target input.
     void setupNodeForInsertionIntoEdge(OssNgEdge *edge);

@@ -14,16 +14,24 @@ OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node,
       m_new(newPosition)
 {}
 
+void OssNgNodePositionChangeUndo::apply(const QPointF &position)
+{
+    if (!m_node || m_node->pos() == position)
+        return;
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_node.data()))
+        backdrop->placeAlone(position);
+    else
+        m_node->setPos(position);
+}
+
 void OssNgNodePositionChangeUndo::redo()
 {
-    if (m_node && m_node->pos() != m_new)
-        m_node->setPos(m_new);
+    apply(m_new);
 }
 
 void OssNgNodePositionChangeUndo::undo()
 {
-    if (m_node && m_node->pos() != m_old)
-        m_node->setPos(m_old);
+    apply(m_old);
 }
 
 OssNgBackdropNodeRectChangeUndo::OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *backdrop)

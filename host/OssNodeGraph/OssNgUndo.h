@@ -12,7 +12,7 @@ class OssNgNode;
 class OssNgBackdropNode;
 
 // One move of one GUI node: from the position saved with savePosition() (or given) to where it
-// is now (or given).
+// is now (or given). A backdrop moves alone: its children carry steps of their own.
 class OSSNODEGRAPH_EXPORT OssNgNodePositionChangeUndo : public OssUndoCommand
 {
 public:
@@ -25,6 +25,7 @@ public:
     QPointF newPosition() const { return m_new; }
 
 private:
+    void apply(const QPointF &position);
     QPointer<OssNgNode> m_node;
     QPointF m_old, m_new;
 };

@@ -272,6 +272,34 @@ void OssNgView::startEdgeDrag(OssNgNode *node, const QString &port, bool fromOut
     m_dragEdge->setLooseEnd(scenePos);
     scene()->addItem(m_dragEdge);
     m_interactionState = DraggingEdge;
+    grabDragEdge();
+}
+
+void OssNgView::grabDragEdge()
+{
+    if (!m_dragEdge)
+        return;
+    m_dragEdge->grabMouse();
+    connect(m_dragEdge.data(), &OssNgEdge::mouseGrabLost, this, &OssNgView::abandonEdgeDrag);
+}
+
+void OssNgView::abandonEdgeDrag()
+{
+    if (m_interactionState != DraggingEdge)
+        return;
+    // Called while the scene is ungrabbing the edge: it is only scheduled for deletion here,
+    // hiding it would ungrab it again.
+    if (m_dragEdge) {
+        disconnect(m_dragEdge.data(), &OssNgEdge::mouseGrabLost, this, &OssNgView::abandonEdgeDrag);
+        m_dragEdge->deleteLater();
+    }
+    m_dragEdge = nullptr;
+    m_interactionState = Idle;
+    if (m_pickedTarget)
+        if (OssNgEdge *original = m_pickedTarget->input(m_pickedInput))
+            original->show();
+    m_pickedTarget = nullptr;
+    m_pickedInput.clear();
 }
 
 bool OssNgView::pickUpEdge()
@@ -293,6 +321,7 @@ bool OssNgView::pickUpEdge()
     m_dragEdge->setLooseEnd(mapToScene(at));
     scene()->addItem(m_dragEdge);
     m_interactionState = DraggingEdge;
+    grabDragEdge();
     return true;
 }
 
@@ -304,8 +333,10 @@ void OssNgView::finishEdgeDrag(const QPoint &viewportPos)
     const QString fixedPort = m_dragFixedPort;
     const QPointer<OssNgNode> pickedTarget = m_pickedTarget;
     const QString pickedInput = m_pickedInput;
-    if (m_dragEdge)
+    if (m_dragEdge) {
+        disconnect(m_dragEdge.data(), &OssNgEdge::mouseGrabLost, this, &OssNgView::abandonEdgeDrag);
         m_dragEdge->releaseMouse(QPointF(), true);
+    }
     m_dragEdge = nullptr;
     m_interactionState = Idle;
     if (pickedTarget)
@@ -448,6 +479,7 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
                 m_dragEdge->setLooseEnd(scenePos);
                 scene()->addItem(m_dragEdge);
                 m_interactionState = DraggingEdge;
+                grabDragEdge();
             } else {
                 startEdgeDrag(node, input, false, scenePos);
             }
@@ -469,10 +501,15 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
     QGraphicsView::mousePressEvent(event);
     if (OssNgNode *node = nodeAt(event->pos())) {
         Q_UNUSED(node);
-        m_interactionState = DraggingNodes;
+        // The scene's items move the selection; the base view only watches (see
+        // InteractionState).
+        m_draggingNodes = true;
         m_draggedNodes.clear();
         for (OssNgNode *selected : sortedSelection()) {
             selected->savePosition();
+            // A selected backdrop drags what lies on it now.
+            if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(selected))
+                backdrop->refreshChildrenList();
             m_draggedNodes.append(selected);
         }
         m_shakeClock.start();
@@ -503,12 +540,12 @@ void OssNgView::mouseMoveEvent(QMouseEvent *event)
         if (m_severLine)
             m_severLine->setLine(QLineF(m_severStart, mapToScene(event->pos())));
         break;
-    case DraggingNodes:
-        QGraphicsView::mouseMoveEvent(event);
-        trackShake(event->pos());
-        break;
     default:
         QGraphicsView::mouseMoveEvent(event);
+        if (m_draggingNodes && event->buttons() & Qt::LeftButton && !resizingBackdrop()) {
+            trackShake(event->pos());
+            updateInsertionCandidate();
+        }
         break;
     }
     m_lastMouse = event->pos();
@@ -540,9 +577,13 @@ void OssNgView::mouseReleaseEvent(QMouseEvent *event)
         m_interactionState = Idle;
         event->accept();
         return;
-    case DraggingNodes: {
+    default: {
         QGraphicsView::mouseReleaseEvent(event);
         m_interactionState = Idle;
+        if (!m_draggingNodes || event->button() != Qt::LeftButton)
+            return;
+        m_draggingNodes = false;
+        setInsertionCandidate(nullptr);
         QList<OssNgNode *> moved;
         const int grid = OssNgStyle::instance()->gridSize();
         for (const QPointer<OssNgNode> &node : qAsConst(m_draggedNodes)) {
@@ -559,11 +600,35 @@ void OssNgView::mouseReleaseEvent(QMouseEvent *event)
             emit nodesMoved(moved);
         return;
     }
-    default:
-        QGraphicsView::mouseReleaseEvent(event);
-        m_interactionState = Idle;
-        return;
     }
+}
+
+bool OssNgView::resizingBackdrop() const
+{
+    QGraphicsItem *grabber = scene() ? scene()->mouseGrabberItem() : nullptr;
+    auto *backdrop = qobject_cast<OssNgBackdropNode *>(OssNgNode::fromItem(grabber));
+    return backdrop && backdrop->isResizing();
+}
+
+void OssNgView::updateInsertionCandidate()
+{
+    OssNgEdge *candidate = nullptr;
+    if (autoInsertEnabled())
+        for (const QPointer<OssNgNode> &node : qAsConst(m_draggedNodes))
+            if (node && !candidate)
+                candidate = node->autoinsertCandidate();
+    setInsertionCandidate(candidate);
+}
+
+void OssNgView::setInsertionCandidate(OssNgEdge *edge)
+{
+    if (m_insertionEdge == edge)
+        return;
+    if (m_insertionEdge)
+        m_insertionEdge->setInsertionHighlighted(false);
+    m_insertionEdge = edge;
+    if (edge)
+        edge->setInsertionHighlighted(true);
 }
 
 void OssNgView::wheelEvent(QWheelEvent *event)

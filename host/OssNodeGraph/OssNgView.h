@@ -26,16 +26,22 @@ class OSSNODEGRAPH_EXPORT OssNgView : public QGraphicsView
 {
     Q_OBJECT
 public:
-    // What the mouse is doing.
+    // The base view's own mouse operations, from a press to its release. Idle (0) means none
+    // is under way: the mouse is free, or the press went to the scene's items. A node drag is
+    // the items' own (Qt's item moving) and keeps the state Idle, so a subclass that reads the
+    // state before passing a release on sees 0 at the end of a node drag and can record the
+    // move; isDraggingNodes() tells whether nodes are being dragged. Any other state ends at
+    // the release with an operation the view has done itself: a pan (1), a rubber-band
+    // selection (2), an edge drawn or picked up (3, until it is dropped), an edge-sever stroke
+    // (4) or a zoom drag (5); such a release is not a move.
     enum InteractionState
     {
         Idle = 0,
         Panning = 1,
         RubberBanding = 2,
-        DraggingNodes = 3,
-        DraggingEdge = 4,
-        Severing = 5,
-        Zooming = 6,
+        DraggingEdge = 3,
+        Severing = 4,
+        Zooming = 5,
     };
     // Cursor tracking: 0 normal, 1 edge sever (dragging cuts edges), 2 edge pick-up (a click
     // near an edge picks up its input end).
@@ -55,6 +61,8 @@ public:
     static void useSpatialIndex(QGraphicsScene *scene);
 
     int interactionState() const { return m_interactionState; }
+    // Between the press on a node and the release that drops the dragged nodes.
+    bool isDraggingNodes() const { return m_draggingNodes; }
     // The scene rectangle the viewport shows, exactly (edges at the viewport's outer edges).
     QRectF viewportInSceneCoords() const;
     // Shows a rectangle viewportInSceneCoords() gave: the scale at which it fits the viewport and
@@ -92,8 +100,11 @@ public:
     // The GUI node and port at a viewport position ("" when not on a port).
     OssNgNode *nodeAt(const QPoint &viewportPos) const;
     OssNgEdge *edgeAt(const QPoint &viewportPos) const;
-    // The edge being dragged, if any.
+    // The edge being dragged, if any. While it is dragged it is the scene's mouse grabber;
+    // releasing it (OssNgEdge::releaseMouse, ungrabMouse) abandons the drag.
     OssNgEdge *draggedEdge() const { return m_dragEdge; }
+    // The edge a dragged node would be spliced into if dropped now (highlighted), if any.
+    OssNgEdge *insertionCandidate() const { return m_insertionEdge; }
 
 public slots:
     void zoomIn();
@@ -141,6 +152,15 @@ private:
     void finishEdgeDrag(const QPoint &viewportPos);
     void trackShake(const QPoint &viewportPos);
     void severEdgesAlong(const QLineF &line);
+    // Makes the temporary edge of a drag the scene's mouse grabber.
+    void grabDragEdge();
+    // The grab of the dragged edge was lost without a drop: the drag ends and changes nothing.
+    void abandonEdgeDrag();
+    // Whether the press went to a backdrop's resize handle (a resize, not a drag).
+    bool resizingBackdrop() const;
+    // Highlights the edge a dragged node would be spliced into.
+    void updateInsertionCandidate();
+    void setInsertionCandidate(OssNgEdge *edge);
 
     int m_cursorTrackingMode = NormalTracking;
     bool m_snapToGrid = false;
@@ -160,7 +180,9 @@ private:
     QVector<qint64> m_reversals;
     int m_lastDirection = 0;
     bool m_shakeFired = false;
+    bool m_draggingNodes = false;
     QList<QPointer<OssNgNode>> m_draggedNodes;
+    QPointer<OssNgEdge> m_insertionEdge;
     // The last zoom's anchor: a zoom at the same viewport position, with nothing moved since,
     // keeps the same scene point, so whole-pixel scrolling never adds up to a drift.
     struct ZoomAnchor

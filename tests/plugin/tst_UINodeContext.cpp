@@ -397,20 +397,6 @@ private slots:
         QCOMPARE(gui(member)->pos(), QPointF(100, 400));
     }
 
-    void movingABackdropPushesTheContainersBelow()
-    {
-        OssSnBaseNode *upper = backdropAt("Upper", QRectF(0, 0, 600, 300));
-        OssSnBaseNode *lower = backdropAt("Lower", QRectF(0, 400, 600, 300));
-        OssNgBackdropNode *backdrop = backdropOf(upper);
-        backdrop->savePosition();
-        backdrop->setPos(0, 200);
-        emit manager()->currentView()->nodesMoved({backdrop});
-        QCOMPARE(area(backdropOf(lower)), QRectF(0, 530, 600, 300));
-        OssUndoManager::instance()->undo();
-        QCOMPARE(backdrop->pos(), QPointF(0, 0));
-        QCOMPARE(area(backdropOf(lower)), QRectF(0, 400, 600, 300));
-    }
-
     // --- old backdrops
 
     // A project written before nodes had path keys: its backdrop has none, nor a version.
