@@ -21,6 +21,12 @@ namespace {
 const QColor Moved(255, 0, 255);    // Dirt_Color: dragged, connected, zoomed at
 const QColor Target(0, 255, 255);   // Paint_Roughness: receives the new connection
 const QColor SecondOnly(0, 255, 0); // Rough_Clamp, in the second project only
+const QColor Inserted(255, 255, 0); // Dirt_Soften, unconnected: dropped onto an edge
+const QColor EdgeSource(255, 0, 0); // Rough_Clamp in the first project: its edge receives it
+const QColor Group(0, 128, 255);    // the group Scratches
+const QColor InGroup(128, 0, 255);  // Cellular, inside the group Scratches
+// The colour of a selected node's frame and of the edge a dragged node would go into.
+const QColor Highlight(255, 176, 40);
 constexpr int ScreenWidth = 1600;
 constexpr int ScreenHeight = 1000;
 
@@ -46,16 +52,43 @@ bool paintNode(QString &project, const QString &node, const QColor &colour)
     return true;
 }
 
-// The rectangle covered by pixels of exactly this colour (null when there are too few to be a
-// node).
-QRect findColour(const QImage &image, const QColor &colour)
+// Takes out the connection into an input of a node, keeping the list's count right.
+bool removeConnection(QString &project, const QString &target, const QString &input)
+{
+    const QRegularExpression element(
+        QStringLiteral("\\s*<element>\\s*<attribute key=\"target\" value=\"%1\"/>\\s*"
+                       "<attribute key=\"input\" value=\"%2\"/>[^/]*/>[^/]*/>\\s*</element>")
+            .arg(target, input));
+    const QRegularExpressionMatch match = element.match(project);
+    if (!match.hasMatch())
+        return false;
+    const QString head = QStringLiteral("<collection name=\"connections\" count=\"");
+    const int list = project.lastIndexOf(head, match.capturedStart());
+    if (list < 0)
+        return false;
+    project.remove(match.capturedStart(), match.capturedLength());
+    const int number = list + head.size();
+    const int end = project.indexOf(QLatin1Char('"'), number);
+    const int count = project.mid(number, end - number).toInt();
+    project.replace(number, end - number, QString::number(count - 1));
+    return true;
+}
+
+// The rectangle covered by pixels of exactly this colour, or within Tolerance of it in each
+// channel (null when there are too few to be a node).
+QRect findColour(const QImage &image, const QColor &colour, int tolerance = 0)
 {
     const QRgb wanted = colour.rgb();
+    const auto near = [&](QRgb pixel) {
+        return qAbs(qRed(pixel) - qRed(wanted)) <= tolerance &&
+               qAbs(qGreen(pixel) - qGreen(wanted)) <= tolerance &&
+               qAbs(qBlue(pixel) - qBlue(wanted)) <= tolerance;
+    };
     int left = image.width(), top = image.height(), right = -1, bottom = -1, count = 0;
     for (int y = 0; y < image.height(); ++y) {
         const QRgb *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x)
-            if ((line[x] | 0xff000000u) == wanted) {
+            if ((line[x] | 0xff000000u) == wanted || (tolerance > 0 && near(line[x]))) {
                 left = qMin(left, x);
                 right = qMax(right, x);
                 top = qMin(top, y);
@@ -258,6 +291,13 @@ private slots:
         QVERIFY(paintNode(first, QStringLiteral("Dirt_Color"), Moved));
         QVERIFY(paintNode(first, QStringLiteral("Paint_Roughness"), Target));
         QVERIFY(paintNode(second, QStringLiteral("Rough_Clamp"), SecondOnly));
+        // A free node to drop on the edge out of Rough_Clamp, and a node to see in the group.
+        QVERIFY(removeConnection(first, QStringLiteral("Dirt_Soften"), QStringLiteral("Input")));
+        QVERIFY(removeConnection(first, QStringLiteral("Rough_Mix"), QStringLiteral("Amount")));
+        QVERIFY(paintNode(first, QStringLiteral("Dirt_Soften"), Inserted));
+        QVERIFY(paintNode(first, QStringLiteral("Rough_Clamp"), EdgeSource));
+        QVERIFY(paintNode(first, QStringLiteral("Scratches"), Group));
+        QVERIFY(paintNode(first, QStringLiteral("Cellular"), InGroup));
         m_first = m_scratch.filePath(QStringLiteral("first.ossa"));
         m_second = m_scratch.filePath(QStringLiteral("second.ossa"));
         for (const auto &[path, content] :
@@ -360,6 +400,70 @@ private slots:
                 pause(200);
         }
         QVERIFY2(saved, "the saved project has no connection from Dirt_Color to Paint_Roughness");
+    }
+
+    // A free node dragged onto an edge lights the edge up and, dropped, goes into it (Auto
+    // Insert is on by default); the saved file holds both halves of the edge.
+    void dropANodeOntoAnEdgeInsertsIt()
+    {
+        const QImage image = screen("before inserting");
+        const QRect node = findColour(image, Inserted);
+        const QRect source = findColour(image, EdgeSource);
+        QVERIFY(node.isValid() && source.isValid());
+        // The edge leaves the output port (the right edge, half way down) level.
+        const QPoint onEdge(source.right() + 45, source.center().y());
+        xdotool(
+            {"mousemove", QString::number(node.center().x()), QString::number(node.center().y())});
+        pause();
+        xdotool({"mousedown", "1"});
+        pause();
+        for (int i = 1; i <= 8; ++i) {
+            const QPoint step = node.center() + (onEdge - node.center()) * i / 8;
+            xdotool({"mousemove", QString::number(step.x()), QString::number(step.y())});
+            pause(40);
+        }
+        pause(300);
+        // The lit edge reaches far beyond the dragged node's frame.
+        // Drawn smooth, the edge has few pixels of the exact colour.
+        const QRect lit = findColour(screen("edge lit"), Highlight, 24);
+        xdotool({"mouseup", "1"});
+        pause(300);
+        QVERIFY2(lit.isValid() && lit.right() > onEdge.x() + 100,
+                 qPrintable(QStringLiteral("%1 %2").arg(lit.right()).arg(onEdge.x())));
+        screen("inserted");
+        xdotool({"key", "ctrl+s"});
+        QElapsedTimer clock;
+        clock.start();
+        bool saved = false;
+        while (!saved && clock.elapsed() < 8000) {
+            saved = hasConnection(m_first, QStringLiteral("Shell_Surface"),
+                                  QStringLiteral("Roughness"), QStringLiteral("Dirt_Soften")) &&
+                    hasConnection(m_first, QStringLiteral("Dirt_Soften"), QStringLiteral("Input"),
+                                  QStringLiteral("Rough_Clamp"));
+            if (!saved)
+                pause(200);
+        }
+        QVERIFY2(saved, "the saved project does not have Dirt_Soften between Rough_Clamp and "
+                        "Shell_Surface");
+    }
+
+    // Control + double-click on the group opens its subgraph in a tab of its own.
+    void controlDoubleClickOpensTheGroup()
+    {
+        QVERIFY(!findColour(screen("group closed"), InGroup).isValid());
+        const QRect body = findColour(screen("before opening"), Group);
+        QVERIFY(body.isValid());
+        const QPoint group = body.center();
+        xdotool({"mousemove", QString::number(group.x()), QString::number(group.y())});
+        pause();
+        xdotool({"keydown", "ctrl"});
+        pause();
+        xdotool({"click", "--repeat", "2", "--delay", "80", "1"});
+        pause();
+        xdotool({"keyup", "ctrl"});
+        const QRect inside =
+            waitFor("group opened", InGroup, [](const QRect &r) { return r.isValid(); });
+        QVERIFY2(inside.isValid(), "the group's subgraph is not shown");
     }
 
     // File > Open Project (Ctrl+O) in the running shell shows the second project's graph, and
