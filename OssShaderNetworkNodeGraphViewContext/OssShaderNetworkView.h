@@ -3,8 +3,10 @@
 #include <OssNgView.h>
 #include <OssShaderNetworkHolder.h>
 
+#include <QHash>
 #include <QMap>
 #include <QPointF>
+#include <QPointer>
 #include <functional>
 
 class OssNgEdge;
@@ -190,6 +192,8 @@ private:
 
     OssShaderNetwork *m_network = nullptr;
     QMap<OssNgNode *, QPointF> m_nodeStartPositions;
+    // Tells which recorded nodes still exist at the release (one may be deleted mid-drag).
+    QHash<OssNgNode *, QPointer<OssNgNode>> m_recordedNodes;
     // Framing asked for before the view had its size is done again once it has one.
     int m_framePending = -1;
 };

@@ -52,8 +52,10 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
     // The base view first: the press may change the selection.
     OssNgView::mousePressEvent(event);
     m_nodeStartPositions.clear();
+    m_recordedNodes.clear();
     for (OssNgNode *node : sortedSelection()) {
         m_nodeStartPositions.insert(node, node->scenePos());
+        m_recordedNodes.insert(node, node);
         auto *backdrop = qobject_cast<OssNgBackdropNode *>(node);
         if (!backdrop)
             continue;
@@ -64,6 +66,7 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
                 continue;
             }
             m_nodeStartPositions.insert(child, child->scenePos());
+            m_recordedNodes.insert(child, child);
         }
     }
 }
@@ -87,6 +90,8 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
 
 void OssShaderNetworkView::recordNodeMoves()
 {
+    for (auto it = m_nodeStartPositions.begin(); it != m_nodeStartPositions.end();)
+        it = m_recordedNodes.value(it.key()) ? std::next(it) : m_nodeStartPositions.erase(it);
     bool moved = false;
     for (auto it = m_nodeStartPositions.cbegin(); it != m_nodeStartPositions.cend() && !moved; ++it)
         moved = QLineF(it.value(), it.key()->scenePos()).length() >= MoveThreshold;

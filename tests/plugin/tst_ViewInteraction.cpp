@@ -268,6 +268,23 @@ private slots:
         QVERIFY(m_host.hasLine(QStringLiteral("Backdrop has a null child: Lone's frame")));
     }
 
+    void aNodeDeletedDuringItsDragIsLeftOut()
+    {
+        node("Mid")->setSelected(true);
+        node("Lone")->setSelected(true);
+        const QPoint from = centreOf("Lone");
+        press(from);
+        moveTo(from + QPoint(20, 10));
+        moveTo(from + QPoint(40, 20));
+        delete gui("Lone");
+        release(from + QPoint(40, 20));
+        QCOMPARE(gui("Mid")->pos(), QPointF(40, 220));
+        QCOMPARE(undo()->count(), 1);
+        QCOMPARE(undo()->undoText(), QStringLiteral("Move node Mid"));
+        undo()->undo();
+        QCOMPARE(gui("Mid")->pos(), QPointF(0, 200));
+    }
+
     void releasesThatAreNotNodeDropsRecordNothing_data()
     {
         QTest::addColumn<Ending>("ending");
