@@ -259,6 +259,59 @@ private slots:
         QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
     }
 
+    // A node drag is the items' own: the base view stays idle through it, so a subclass reading
+    // the state before a release can tell a node drop from the end of its own operations.
+    void aNodeDragLeavesTheStateIdle_data()
+    {
+        QTest::addColumn<QString>("gesture");
+        QTest::addColumn<int>("state");
+        QTest::addColumn<bool>("draggingNodes");
+        QTest::newRow("node drag") << "node" << int(OssNgView::Idle) << true;
+        QTest::newRow("rubber band") << "canvas" << int(OssNgView::RubberBanding) << false;
+        QTest::newRow("edge drag") << "output" << int(OssNgView::DraggingEdge) << false;
+    }
+
+    void aNodeDragLeavesTheStateIdle()
+    {
+        QFETCH(QString, gesture);
+        QFETCH(int, state);
+        QFETCH(bool, draggingNodes);
+        QPoint from = at(m_a->sceneBoundingRect().center());
+        if (gesture == QLatin1String("canvas"))
+            from = at({600, 600});
+        else if (gesture == QLatin1String("output"))
+            from = at(m_a->outputPortScenePos("Output"));
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, from);
+        const QPoint to = from + QPoint(50, 30);
+        QMouseEvent move(QEvent::MouseMove, to, m_view->viewport()->mapToGlobal(to), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(m_view->viewport(), &move);
+        QCOMPARE(m_view->interactionState(), state);
+        QCOMPARE(m_view->isDraggingNodes(), draggingNodes);
+        // A dragged edge is the scene's mouse grabber.
+        if (gesture == QLatin1String("output"))
+            QCOMPARE(m_scene->mouseGrabberItem(), m_view->draggedEdge());
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, to);
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
+        QVERIFY(!m_view->isDraggingNodes());
+    }
+
+    void anEdgeLetGoByTheSceneEndsItsDragWithoutAConnection()
+    {
+        const QPoint from = at(m_a->outputPortScenePos("Output"));
+        const QPoint to = at(m_b->inputPortScenePos("Mask"));
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, to, m_view->viewport()->mapToGlobal(to), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(m_view->viewport(), &move);
+        QVERIFY(m_view->draggedEdge());
+        m_view->draggedEdge()->ungrabMouse();
+        QVERIFY(!m_view->draggedEdge());
+        QCOMPARE(m_view->interactionState(), int(OssNgView::Idle));
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, to);
+        QVERIFY(m_requests.isEmpty());
+    }
+
     void shakeIsDetectedWithinTheTime_data()
     {
         QTest::addColumn<int>("reversals");
