@@ -558,25 +558,36 @@ private slots:
     {
         QTest::addColumn<bool>("enabled");
         QTest::addColumn<int>("shakes");
+        QTest::addColumn<int>("time");
         QTest::addColumn<bool>("extracted");
-        QTest::newRow("enabled, 4 shakes") << true << 4 << true;
-        QTest::newRow("disabled") << false << 4 << false;
-        QTest::newRow("more shakes needed") << true << 8 << false;
+        QTest::newRow("enabled, 4 shakes") << true << 4 << 5000 << true;
+        QTest::newRow("disabled") << false << 4 << 5000 << false;
+        QTest::newRow("more shakes needed") << true << 8 << 5000 << false;
+        // The strokes come further apart than the time allows for the whole gesture.
+        QTest::newRow("too slow") << true << 4 << 20 << false;
     }
 
     void shakingADraggedNodeExtractsIt()
     {
         QFETCH(bool, enabled);
         QFETCH(int, shakes);
+        QFETCH(int, time);
         QFETCH(bool, extracted);
         manager()->setShakeToExtractEnabled(enabled);
         manager()->setShakeToExtractShakes(shakes);
+        manager()->setShakeToExtractTime(time);
         const QString before = m_network->dump();
         const QPoint from = centreOf("Mid");
         press(from);
         // Five strokes, four reversals.
-        for (int stroke = 0; stroke < 5; ++stroke)
+        QElapsedTimer sinceLastStroke;
+        sinceLastStroke.start();
+        for (int stroke = 0; stroke < 5; ++stroke) {
+            if (time < 1000)
+                QTRY_VERIFY(sinceLastStroke.elapsed() > time);
+            sinceLastStroke.restart();
             moveTo(from + QPoint(stroke % 2 == 0 ? 30 : -30, 0));
+        }
         moveTo(from);
         release(from);
         if (!extracted) {
