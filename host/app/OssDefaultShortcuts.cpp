@@ -46,6 +46,7 @@ const QHash<QString, QList<QKeySequence>> &table()
         add("Select Previous Sibling", {QKeySequence(Qt::Key_Left)});
         add("Add Select Next Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Right)});
         add("Add Select Previous Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Left)});
+        add("Autoplace", {QKeySequence(Qt::Key_L)});
         add("Zoom In", {QKeySequence(Qt::Key_Plus), QKeySequence(Qt::Key_Equal)});
         add("Zoom Out", {QKeySequence(Qt::Key_Minus)});
         return map;

@@ -93,10 +93,12 @@ private slots:
             at = found;
         }
         QCOMPARE(texts.count(QStringLiteral("Pick Up Edge Under Mouse")), 2);
-        // No action is filed for a command the view does not have.
+        // Besides the manager's Autoplace, the folder holds the plug-in's fixed actions only.
+        QList<QAction *> fixed;
         for (QAction *each : filed)
-            QVERIFY(each->parent() == m_host.plugin());
-        QCOMPARE(m_host.plugin()->fixedActions().size(), filed.size());
+            if (each->text() != QLatin1String("Autoplace"))
+                fixed << each;
+        QCOMPARE(fixed, m_host.plugin()->fixedActions());
     }
 
     void deleteRunsOnTheCurrentView()
@@ -127,6 +129,42 @@ private slots:
             OssSnNodeGraphViewContext::guiNodeOf(m_network->node("A"))->sceneBoundingRect()));
         QVERIFY(
             !focused.contains(OssSnNodeGraphViewContext::guiNodeOf(m_network->node("B"))->pos()));
+    }
+
+    void theManagersOwnActions()
+    {
+        OssActionTreeManager *tree = OssActionTreeManager::instance();
+        QAction *autoplace = tree->findAction(QStringLiteral("/Ossa/NodeGraph/Autoplace"));
+        QVERIFY(autoplace);
+        QCOMPARE(autoplace->parent(), m_host.manager());
+        QVERIFY(
+            OssShaderNetworkManager::instance()->globalContextMenuActions().contains(autoplace));
+        const QList<QAction *> modes = tree->actions(QStringLiteral("/Ossa/NodeGraph"));
+        QCOMPARE(modes.size(), 4);
+        const QStringList names{"Expanded", "Stream Collapsed", "Connected Only", "Collapsed"};
+        for (int mode = 0; mode < 4; ++mode) {
+            QCOMPARE(modes.at(mode)->text(),
+                     QStringLiteral("Switch to %1 mode").arg(names.at(mode)));
+            QCOMPARE(modes.at(mode)->property("Mode").toInt(), mode);
+            QCOMPARE(modes.at(mode)->toolTip(), modes.at(mode)->text());
+        }
+        QAction *shake = tree->findAction(QStringLiteral("Ossa/NodeGraph/Shake To Extract"));
+        QVERIFY(shake);
+        QCOMPARE(shake->objectName(), QStringLiteral("Shake To Extract"));
+        const bool before = m_host.manager()->shakeToExtractEnabled();
+        shake->trigger();
+        QCOMPARE(m_host.manager()->shakeToExtractEnabled(), !before);
+        shake->trigger();
+    }
+
+    void autoplaceLaysOutTheSelection()
+    {
+        QVERIFY(m_network->node("B")->connectInput("Input", m_network->node("A"), "Output"));
+        m_network->node("B")->setSelected(true);
+        OssActionTreeManager::instance()
+            ->findAction(QStringLiteral("/Ossa/NodeGraph/Autoplace"))
+            ->trigger();
+        QCOMPARE(OssUndoManager::instance()->undoText(), QStringLiteral("Layout Nodes"));
     }
 
     void selectionWalksAreReachable()
