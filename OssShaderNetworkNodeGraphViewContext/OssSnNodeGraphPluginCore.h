@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
+
+class QAction;
 
 class OssShaderNetworkView;
 
@@ -18,10 +21,69 @@ public:
     // actions for node types registered later. Returns true.
     bool start();
 
+    // The fixed node-graph actions, in the catalogue's order, for the commands the view has.
+    QList<QAction *> fixedActions() const { return m_fixedActions; }
+
+public slots:
+    // What the fixed actions fire: each finds the current view and runs its command there.
+    void connectSelectedNodeToViewer();
+    void connectSelectedNodeToViewer2();
+    void connectSelectedNodeToViewer3();
+    void connectSelectedNodeToViewer4();
+    void connectSelectedNodeToViewer5();
+    void connectSelectedNodeToViewer6();
+    void connectSelectedNodeToViewer7();
+    void connectSelectedNodeToViewer8();
+    void connectSelectedNodeToViewer9();
+    void connectSelectedNodeToViewer0();
+    void moveViewerToMouse();
+    void deleteSelectedNodes();
+    void extractSelectedNode();
+    void deleteAllNodes();
+    void frameNodes();
+    void frameSelectedNodes();
+    void disableSelectedNodes();
+    void bypassSelectedNode();
+    void duplicateSelectedNodes();
+    void selectAll();
+    void cutNodesAction();
+    void copyNodesAction();
+    void pasteNodesAction();
+    void swapInputs();
+    void popupRenameWindow();
+    void pickUpEdge();
+    void selectAllUpstream();
+    void selectAllDownstream();
+    void selectStreamUpstream();
+    void selectStreamDownstream();
+    void selectUpstream();
+    void selectDownstream();
+    void addSelectUpstream();
+    void addSelectDownstream();
+    void selectNextSibling();
+    void selectPrevSibling();
+    void addSelectNextSibling();
+    void addSelectPrevSibling();
+    void selectBetween();
+    void zoomIn();
+    void zoomOut();
+    void panLeft();
+    void panRight();
+    void panUp();
+    void panDown();
+    void toggleSnapToGrid();
+    void ensureIsVisibleAction();
+    void fitToViewAction();
+
 private slots:
     void createNodeCreationActions();
     void createNodeFromAction();
 
 private:
     OssShaderNetworkView *currentShaderNetworkView();
+    // The current view, or null after the line that says there is none.
+    OssShaderNetworkView *viewForCommand();
+    void createFixedActions();
+
+    QList<QAction *> m_fixedActions;
 };

@@ -1,6 +1,7 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include "OssShaderNetworkView.h"
+#include "OssSnManagerActions.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextFactories.h"
 #include "OssSnNodeGraphViewContextLoader.h"
@@ -47,8 +48,7 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
                                                                m_loader);
     OssSnNodeGraphViewContextFactories::registerAll();
     connectToHost();
-    // The manager's own actions (Autoplace, the port-list modes, the image drops and
-    // shake-to-extract) are made with the node-graph action catalogue.
+    OssSnManagerActions::create(this);
     initialiseNodeGraphPalette();
     initialiseNodePropertiesPalette();
 }

@@ -1,5 +1,6 @@
 #include "OssMainWindow.h"
 
+#include "OssDefaultShortcuts.h"
 #include "OssPluginHost.h"
 #include "OssPreferencesDialog.h"
 
@@ -181,6 +182,22 @@ void OssMainWindow::rebuildActionMenus()
         for (QAction *action : tree->actions(folder))
             parent->addAction(action);
     }
+    applyDefaultShortcuts();
+}
+
+void OssMainWindow::applyDefaultShortcuts()
+{
+    // The node graph's keys act where the node graph has the focus.
+    OssPalette *scope = OssPaletteManager::instance()->find(QStringLiteral("Node Graph"));
+    if (!scope)
+        return;
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    for (const QString &folder : tree->folders())
+        for (QAction *action : tree->actions(folder))
+            OssDefaultShortcuts::apply(
+                action,
+                OssActionTreeManager::identity(OssActionTreeManager::fullPath(folder, action)),
+                scope);
 }
 
 QDockWidget *OssMainWindow::sideDock() const

@@ -53,6 +53,8 @@ public slots:
     // Rebuilds the action-tree menus (deferred: actions arrive in bursts).
     void scheduleMenuRebuild();
     void rebuildActionMenus();
+    // Gives the node graph's actions the shell's default keys.
+    void applyDefaultShortcuts();
 
     // Gives the node graph (the first palette) about three quarters of the width, the panels on
     // the right the rest; called again after the window changes size programmatically.
