@@ -221,6 +221,7 @@ OSS_VIEW_COMMAND(panRight, panRight())
 OSS_VIEW_COMMAND(panUp, panUp())
 OSS_VIEW_COMMAND(panDown, panDown())
 OSS_VIEW_COMMAND(toggleSnapToGrid, toggleSnapToGrid())
+OSS_VIEW_COMMAND(toggleEdgeSeverAction, toggleEdgeSeverAction())
 OSS_VIEW_COMMAND(ensureIsVisibleAction, ensureIsVisibleAction())
 OSS_VIEW_COMMAND(fitToViewAction, fitToViewAction())
 

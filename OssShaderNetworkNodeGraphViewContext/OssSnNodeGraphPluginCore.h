@@ -72,6 +72,7 @@ public slots:
     void panUp();
     void panDown();
     void toggleSnapToGrid();
+    void toggleEdgeSeverAction();
     void ensureIsVisibleAction();
     void fitToViewAction();
 

@@ -5,6 +5,7 @@
 #include "OssSnNodeGraphViewContextManager.h"
 #include "OssSnNodeGraphWidget.h"
 
+#include <OssActionTreeManager.h>
 #include <OssNgBackdropNode.h>
 #include <OssNgEdge.h>
 #include <OssNgNode.h>
@@ -13,6 +14,7 @@
 #include <OssSnBaseNode.h>
 #include <OssUndoManager.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QtTest>
@@ -519,6 +521,17 @@ private slots:
         view()->setCursorTrackingMode(from);
         view()->toggleEdgeSeverAction();
         QCOMPARE(view()->cursorTrackingMode(), to);
+    }
+
+    void theEdgeSeverActionTogglesTheCurrentView()
+    {
+        QAction *toggle = OssActionTreeManager::instance()->findAction(
+            QStringLiteral("/Ossa/NodeGraph/Toggle Edge Sever Mode"));
+        QVERIFY(toggle);
+        toggle->trigger();
+        QCOMPARE(view()->cursorTrackingMode(), int(OssNgView::EdgeSeverTracking));
+        toggle->trigger();
+        QCOMPARE(view()->cursorTrackingMode(), int(OssNgView::NormalTracking));
     }
 
     void anUnconnectedDotGoesIntoTheEdge()
