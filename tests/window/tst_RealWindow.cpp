@@ -344,6 +344,25 @@ private slots:
         QCOMPARE(waitFor("undone again", Moved, [&](const QRect &r) { return r == start; }), start);
     }
 
+    // A click on a node and the Delete key remove it; Ctrl+Z brings it back where it was.
+    void deleteWithTheKeyAndUndo()
+    {
+        const QRect start =
+            waitFor("before delete", Moved, [](const QRect &r) { return r.isValid(); });
+        QVERIFY(start.isValid());
+        xdotool({"mousemove", QString::number(start.center().x()),
+                 QString::number(start.center().y())});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        xdotool({"key", "Delete"});
+        const QRect gone = waitFor("deleted", Moved, [](const QRect &r) { return !r.isValid(); });
+        QVERIFY2(!gone.isValid(), "the node is still on the screen after Delete");
+        xdotool({"key", "ctrl+z"});
+        QCOMPARE(waitFor("delete undone", Moved, [&](const QRect &r) { return r == start; }),
+                 start);
+    }
+
     // Five wheel notches in and five out at a node: the point under the cursor stays there.
     void zoomStaysUnderTheCursor()
     {
