@@ -259,6 +259,8 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_scratch.isValid());
+        // Only this run's pictures stay, so that their numbers tell the order of the steps.
+        QDir(QStringLiteral(OSS_WINDOW_SHOTS_DIR)).removeRecursively();
         // A display of our own: the first number nobody uses.
         for (int number = 71; number < 100 && m_display.isEmpty(); ++number) {
             if (QFileInfo::exists(QStringLiteral("/tmp/.X%1-lock").arg(number)) ||
@@ -524,6 +526,56 @@ private slots:
         const QPointF after = savedPosition(m_second, QStringLiteral("Rough_Clamp"));
         QCOMPARE(after.x(), before.x());
         QVERIFY2(after.y() > before.y() + 60, qPrintable(QString::number(after.y())));
+    }
+
+    // Ctrl+C on a node in one running shell and Ctrl+V in another: the node arrives through
+    // the system clipboard, and the second shell saves it.
+    void copyAndPasteBetweenTwoShells()
+    {
+        QVERIFY(startShell(m_first));
+        const QRect node = waitFor("copy from", Moved, [](const QRect &r) { return r.isValid(); });
+        QVERIFY(node.isValid());
+        xdotool(
+            {"mousemove", QString::number(node.center().x()), QString::number(node.center().y())});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        xdotool({"key", "ctrl+c"});
+        pause(300);
+
+        QProcess other;
+        other.setProcessEnvironment(displayEnvironment());
+        other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        other.start(QStringLiteral(OSS_SHELL_EXECUTABLE),
+                    {m_second, QStringLiteral("--settings-dir"), m_scratch.filePath("settings2")});
+        QVERIFY(other.waitForStarted(10000));
+        // The second shell's window comes up over the first; its graph has no node of that
+        // colour until the paste.
+        const QRect second =
+            waitFor("second shell", SecondOnly, [](const QRect &r) { return r.isValid(); });
+        QVERIFY2(second.isValid(), "the second shell's graph is not shown");
+        QVERIFY(!findColour(screen("second shell only"), Moved).isValid());
+        // Empty canvas above the graph.
+        const QPoint canvas(second.center().x(), 160);
+        xdotool({"mousemove", QString::number(canvas.x()), QString::number(canvas.y())});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        xdotool({"key", "ctrl+v"});
+        const QRect pasted = waitFor("pasted", Moved, [](const QRect &r) { return r.isValid(); });
+        xdotool({"key", "ctrl+s"});
+        QElapsedTimer clock;
+        clock.start();
+        bool saved = false;
+        while (pasted.isValid() && !saved && clock.elapsed() < 8000) {
+            saved = readText(m_second).contains(QStringLiteral("Dirt_Color"));
+            if (!saved)
+                pause(200);
+        }
+        other.kill();
+        other.waitForFinished(5000);
+        QVERIFY2(pasted.isValid(), "the copied node did not arrive in the second shell");
+        QVERIFY2(saved, "the second shell did not save the pasted node");
     }
 };
 
