@@ -131,6 +131,12 @@ public slots:
     void popupRenameWindow(OssNgNode *NodeToRename);
     void swapInputs();
 
+    // --- the selected nodes' GUI: a group's subgraph, the properties, the port lists
+    void openGroupNodeSubgraph();
+    void openNodeProperties();
+    void togglePortVisibility();
+    void cyclePortListMode();
+
     void onZoomToChanged();
     void allowViewUpdateChanged(bool AllowViewUpdate);
     void onProjectClosed();

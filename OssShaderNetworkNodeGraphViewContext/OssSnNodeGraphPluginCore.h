@@ -72,6 +72,10 @@ public slots:
     void panUp();
     void panDown();
     void toggleSnapToGrid();
+    void openGroupNodeSubgraph();
+    void openNodeProperties();
+    void togglePortVisibility();
+    void cyclePortListMode();
     void toggleEdgeSeverAction();
     void ensureIsVisibleAction();
     void fitToViewAction();

@@ -7,12 +7,15 @@
 
 #include <OssActionTreeManager.h>
 #include <OssApplication.h>
+#include <OssNgExtendedNode.h>
 #include <OssNgNode.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
+#include <OssSnGroupNode.h>
 #include <OssUndoManager.h>
 
 #include <QAction>
+#include <QSignalSpy>
 #include <QtTest>
 
 // The fixed node-graph actions: filed in the action tree in the catalogue's order, each firing
@@ -165,6 +168,44 @@ private slots:
             ->findAction(QStringLiteral("/Ossa/NodeGraph/Autoplace"))
             ->trigger();
         QCOMPARE(OssUndoManager::instance()->undoText(), QStringLiteral("Layout Nodes"));
+    }
+
+    void portListsToggleAndCycle()
+    {
+        OssSnBaseNode *a = m_network->node("A");
+        a->setSelected(true);
+        OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(a);
+        const bool shown = gui->portsVisible();
+        action(QStringLiteral("Toggle Port List"))->trigger();
+        QCOMPARE(gui->portsVisible(), !shown);
+        // Only the selected node.
+        QCOMPARE(OssSnNodeGraphViewContext::guiNodeOf(m_network->node("B"))->portsVisible(), shown);
+        auto *extended = qobject_cast<OssNgExtendedNode *>(gui);
+        QVERIFY(extended);
+        const int before = extended->portListModeAsInt();
+        action(QStringLiteral("Cycle Port List Mode"))->trigger();
+        QVERIFY(extended->portListModeAsInt() != before);
+        // The context follows the GUI node's mode (it is what the project saves).
+        QCOMPARE(OssSnNodeGraphViewContext::of(a)->portListModeAsInt(),
+                 extended->portListModeAsInt());
+    }
+
+    void openNodePropertiesAsksForEachSelectedNode()
+    {
+        m_network->node("A")->setSelected(true);
+        m_network->node("B")->setSelected(true);
+        QSignalSpy asked(view(), &OssShaderNetworkView::nodeDoubleClicked);
+        action(QStringLiteral("Open Node Properties"))->trigger();
+        QCOMPARE(asked.count(), 2);
+    }
+
+    void openGroupNodeSubgraphOpensTheSelectedGroup()
+    {
+        OssSnBaseNode *group = m_network->createNode(QStringLiteral("Misc/Group"));
+        m_network->clearSelection();
+        group->setSelected(true);
+        action(QStringLiteral("Open Group Node Subgraph"))->trigger();
+        QCOMPARE(view()->network(), qobject_cast<OssSnGroupNode *>(group)->groupNetwork());
     }
 
     void selectionWalksAreReachable()
