@@ -47,6 +47,8 @@ const QHash<QString, QList<QKeySequence>> &table()
         add("Add Select Next Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Right)});
         add("Add Select Previous Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Left)});
         add("Autoplace", {QKeySequence(Qt::Key_L)});
+        add("Toggle Port List", {QKeySequence(Qt::Key_P)});
+        add("Cycle Port List Mode", {QKeySequence(Qt::SHIFT + Qt::Key_P)});
         add("Zoom In", {QKeySequence(Qt::Key_Plus), QKeySequence(Qt::Key_Equal)});
         add("Zoom Out", {QKeySequence(Qt::Key_Minus)});
         return map;
