@@ -77,19 +77,11 @@ private slots:
         m_network = m_host.newProject();
         QVERIFY(m_network);
         QCOMPARE(view()->network(), m_network);
-        const QList<QPair<const char *, const char *>> nodes{{"Procedural/Noise/Perlin", "N1"},
-                                                             {"Procedural/Noise/Perlin", "N2"},
-                                                             {"Math/Mix", "Mix"},
-                                                             {"Filter/Blur", "Out"},
-                                                             {"Filter/Blur", "Lone"},
-                                                             {"Misc/Viewer", "Viewer"},
-                                                             {"Adjust/Gamma", "Gamma"}};
-        for (const auto &entry : nodes)
-            QVERIFY(m_network->createNode(QString::fromLatin1(entry.first),
-                                          QString::fromLatin1(entry.second)));
-        QVERIFY(node("Mix")->connectInput("A", node("N1"), "Output"));
-        QVERIFY(node("Mix")->connectInput("B", node("N2"), "Output"));
-        QVERIFY(node("Out")->connectInput("Input", node("Mix"), "Output"));
+        QVERIFY2(m_host.createMixChain(m_network), qPrintable(m_host.errorString()));
+        QVERIFY2(m_host.createNodes(m_network, {{"Filter/Blur", "Lone"},
+                                                {"Misc/Viewer", "Viewer"},
+                                                {"Adjust/Gamma", "Gamma"}}),
+                 qPrintable(m_host.errorString()));
         OssShaderNetworkManager::instance()->setCurrentViewerNode(node("Viewer"));
         m_network->clearSelection();
         undo()->clear();

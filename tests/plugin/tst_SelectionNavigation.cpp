@@ -47,19 +47,10 @@ private slots:
         m_network = m_host.newProject();
         QVERIFY(m_network);
         QCOMPARE(view()->network(), m_network);
-        const QList<QPair<const char *, const char *>> nodes{{"Procedural/Noise/Perlin", "N1"},
-                                                             {"Procedural/Noise/Perlin", "N2"},
-                                                             {"Math/Mix", "Mix"},
-                                                             {"Filter/Blur", "Out"},
-                                                             {"Filter/Blur", "Lone"},
-                                                             {"_System/Current Material", "Proxy"}};
-        for (const auto &entry : nodes)
-            QVERIFY(m_network->createNode(QString::fromLatin1(entry.first),
-                                          QString::fromLatin1(entry.second)));
-        QVERIFY(node("Mix")->connectInput("A", node("N1"), "Output"));
-        QVERIFY(node("Mix")->connectInput("B", node("N2"), "Output"));
-        QVERIFY(
-            node("Out")->connectInput("Input", node("Mix"), node("Mix")->prefferedOutputPoint()));
+        QVERIFY2(m_host.createMixChain(m_network), qPrintable(m_host.errorString()));
+        QVERIFY2(m_host.createNodes(
+                     m_network, {{"Filter/Blur", "Lone"}, {"_System/Current Material", "Proxy"}}),
+                 qPrintable(m_host.errorString()));
         m_network->clearSelection();
         OssUndoManager::instance()->clear();
     }

@@ -5,6 +5,7 @@
 #include <OssResourceInfo.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
+#include <OssSnBaseNode.h>
 #include <OssSnNodeTypeCatalogue.h>
 #include <OssUndoManager.h>
 
@@ -68,6 +69,35 @@ OssShaderNetwork *OssTestHost::newProject(const QString &entityName)
     m_error.clear();
     OssProject *project = OssProjectManager::instance()->newProject(entityName);
     return project->networks().value(0);
+}
+
+bool OssTestHost::createNodes(OssShaderNetwork *network,
+                              const QList<QPair<QString, QString>> &nodes)
+{
+    if (!network)
+        return fail(QStringLiteral("no network to create nodes in"));
+    for (const auto &node : nodes)
+        if (!network->createNode(node.first, node.second))
+            return fail(QStringLiteral("cannot create %1 (%2)").arg(node.second, node.first));
+    return true;
+}
+
+bool OssTestHost::createMixChain(OssShaderNetwork *network)
+{
+    const QString noise = QStringLiteral("Procedural/Noise/Perlin");
+    if (!createNodes(network, {{noise, QStringLiteral("N1")},
+                               {noise, QStringLiteral("N2")},
+                               {QStringLiteral("Math/Mix"), QStringLiteral("Mix")},
+                               {QStringLiteral("Filter/Blur"), QStringLiteral("Out")}}))
+        return false;
+    OssSnBaseNode *mix = network->node(QStringLiteral("Mix"));
+    const QString output = QStringLiteral("Output");
+    if (!mix->connectInput(QStringLiteral("A"), network->node(QStringLiteral("N1")), output) ||
+        !mix->connectInput(QStringLiteral("B"), network->node(QStringLiteral("N2")), output) ||
+        !network->node(QStringLiteral("Out"))
+             ->connectInput(QStringLiteral("Input"), mix, mix->prefferedOutputPoint()))
+        return fail(QStringLiteral("cannot connect the mix chain"));
+    return true;
 }
 
 OssShaderNetwork *OssTestHost::openSample()

@@ -4,6 +4,8 @@
 
 #include <OssDebug.h>
 
+#include <QList>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -31,6 +33,12 @@ public:
 
     // Makes a new project, one shading group for Entity, current; its network.
     OssShaderNetwork *newProject(const QString &entityName = QStringLiteral("Mesh"));
+    // Creates nodes in Network from (path key, name) pairs, in order. False, with errorString(),
+    // when one cannot be made.
+    bool createNodes(OssShaderNetwork *network, const QList<QPair<QString, QString>> &nodes);
+    // The small graph many tests walk: noises N1 and N2 feed inputs A and B of a mix "Mix",
+    // which feeds the input of a blur "Out". False, with errorString(), when it cannot be built.
+    bool createMixChain(OssShaderNetwork *network);
     // Opens the sample project of the resources; its first network, or null (errorString()).
     OssShaderNetwork *openSample();
     // Opens a project file; its first network, or null (errorString()).
