@@ -60,14 +60,14 @@ class OssSnNodeGraphViewContextManager : public OssSerializableObject
                        NOTIFY numberOfLastUsedNodePathsToStoreChanged)
 
 public:
-    enum ZoomTo
+    enum ZoomTo : int
     {
         Center = 0,
         Cursor = 1
     };
     Q_ENUM(ZoomTo)
 
-    enum DefaultMCMCollapsedState
+    enum DefaultMCMCollapsedState : int
     {
         Expanded = 0,
         StreamCollapsed = 1,
@@ -77,7 +77,7 @@ public:
     Q_ENUM(DefaultMCMCollapsedState)
 
     // Index into the port display list.
-    enum DefaultNodePortDisplayMode
+    enum DefaultNodePortDisplayMode : int
     {
         ShowPortList = 0,
         NoPortList = 1
