@@ -228,5 +228,12 @@ OSS_VIEW_COMMAND(cyclePortListMode, cyclePortListMode())
 OSS_VIEW_COMMAND(toggleEdgeSeverAction, toggleEdgeSeverAction())
 OSS_VIEW_COMMAND(ensureIsVisibleAction, ensureIsVisibleAction())
 OSS_VIEW_COMMAND(fitToViewAction, fitToViewAction())
+OSS_VIEW_COMMAND(importMaterial, importMaterial())
+OSS_VIEW_COMMAND(importCustomProcedural, importCustomProcedural())
+OSS_VIEW_COMMAND(bakeEmptyAndUpdateOutOfDateBakePoints, bakeEmptyAndUpdateOutOfDateBakePoints())
+OSS_VIEW_COMMAND(bakeSelectedBakePoints, bakeSelectedBakePoints())
+OSS_VIEW_COMMAND(updateSelectedBakePoints, updateSelectedBakePoints())
+OSS_VIEW_COMMAND(updateUpstreamBakePoints, updateUpstreamBakePoints())
+OSS_VIEW_COMMAND(updateDownstreamBakePoints, updateDownstreamBakePoints())
 
 #undef OSS_VIEW_COMMAND

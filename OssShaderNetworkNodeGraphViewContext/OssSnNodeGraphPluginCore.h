@@ -79,6 +79,13 @@ public slots:
     void toggleEdgeSeverAction();
     void ensureIsVisibleAction();
     void fitToViewAction();
+    void importMaterial();
+    void importCustomProcedural();
+    void bakeEmptyAndUpdateOutOfDateBakePoints();
+    void bakeSelectedBakePoints();
+    void updateSelectedBakePoints();
+    void updateUpstreamBakePoints();
+    void updateDownstreamBakePoints();
 
 private slots:
     void createNodeCreationActions();
