@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <functional>
 
+class OssGeoImageSet;
 class OssImage;
 class OssNgEdge;
 class OssNgNode;
@@ -156,6 +157,13 @@ public slots:
     void updateSelectedBakePoints();
     void updateUpstreamBakePoints();
     void updateDownstreamBakePoints();
+    // Bakes the selected node into a new paint node that takes its place downstream.
+    void bakeToPaintableNode();
+    // Exports the selected node's result into a geo-channel of the network's object (the one
+    // given, or one the user picks), through a new image set.
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName);
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet);
+    void exportToGeoChannel();
     // Turns on "Use Blending Colorspace" of the merge nodes upstream of an 8-bit paint end
     // point, as the preference says (asking, changing or leaving them).
     static void autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(OssSnBaseNode *EndPointNode);

@@ -3,6 +3,7 @@
 
 #include "OssShaderNetworkView.h"
 
+#include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <OssApplication.h>
@@ -11,9 +12,15 @@
 #include <OssChannel.h>
 #include <OssCustomAttribute.h>
 #include <OssDebug.h>
+#include <OssEntity.h>
+#include <OssGeoImageSet.h>
 #include <OssGuiApplication.h>
+#include <OssImageSetUtils.h>
+#include <OssMessageBox.h>
+#include <OssNgNode.h>
 #include <OssQuestionBox.h>
 #include <OssShaderNetwork.h>
+#include <OssShaderNetworkManager.h>
 #include <OssShaderNetworkUtils.h>
 #include <OssShadingGroup.h>
 #include <OssSnBakePointNode.h>
@@ -21,6 +28,7 @@
 #include <OssSnImageSetNodeBase.h>
 #include <OssUndoManager.h>
 
+#include <QInputDialog>
 #include <QSet>
 
 namespace {
@@ -32,6 +40,8 @@ const QString BlendAttribute = QStringLiteral("BlendColorSpaceEnabled");
 constexpr int BytePaint = OssChannel::UnsignedByte;
 // A shader input of this colour space holds data that is never blended in a colour space.
 constexpr int RawShaderInputColorSpace = 1;
+// The paint node of a bake sits this far right of and above the baked node.
+constexpr qreal Gap = 30.0;
 
 // The preference's values.
 const QString Prompt = QStringLiteral("Prompt");
@@ -43,11 +53,15 @@ bool isMerge(const OssSnBaseNode *node)
     return node->hasTag(BlendTag);
 }
 
+// The attribute is a user enum, held as one (OssUserEnum) or in its text form ("0:Disabled|
+// Enabled"); its current index is 0 (disabled) or 1 (enabled).
 int blendColorSpaceEnabled(const OssSnBaseNode *node)
 {
     const QVariant value = node->nodeAttributeValue(BlendAttribute);
-    if (value.canConvert<OssUserEnum>() && value.userType() == qMetaTypeId<OssUserEnum>())
+    if (value.userType() == qMetaTypeId<OssUserEnum>())
         return value.value<OssUserEnum>().currentValue();
+    if (value.userType() == QMetaType::QString)
+        return OssUserEnum::fromString(value.toString()).currentValue();
     return value.toInt();
 }
 
@@ -58,6 +72,10 @@ void setBlendColorSpaceEnabled(OssSnBaseNode *node, bool enabled)
         OssUserEnum choice = value.value<OssUserEnum>();
         choice.setCurrentValue(enabled ? 1 : 0);
         value = QVariant::fromValue(choice);
+    } else if (value.userType() == QMetaType::QString) {
+        OssUserEnum choice = OssUserEnum::fromString(value.toString());
+        choice.setCurrentValue(enabled ? 1 : 0);
+        value = choice.toString();
     } else {
         value = enabled ? 1 : 0;
     }
@@ -249,6 +267,187 @@ void OssShaderNetworkView::bakePaintBufferToNode(const OssSnBaseNode *Node)
     }
     if (OssCanvasWidget *canvas = OssCanvasManager::currentCanvas())
         canvas->handleBakeBehavior(imageSet);
+}
+
+// --- baking into a paint node and exporting into a geo-channel
+
+namespace {
+
+// The output point to bake or export: asked for when popups are allowed and there is a choice,
+// else the preferred one. False when the user cancelled.
+bool chooseOutputPoint(QWidget *parent, OssSnBaseNode *node, const QString &title,
+                       const QString &label, QString *outputPoint)
+{
+    const QStringList outputs = node->outputPointNames();
+    *outputPoint = node->prefferedOutputPoint();
+    if (!OssApplication::popupsAllowed() || outputs.size() < 2)
+        return true;
+    bool ok = false;
+    const QString chosen = QInputDialog::getItem(
+        parent, title, label, outputs, qMax(0, outputs.indexOf(*outputPoint)), false, &ok);
+    if (!ok)
+        return false;
+    *outputPoint = chosen;
+    return true;
+}
+
+} // namespace
+
+void OssShaderNetworkView::bakeToPaintableNode()
+{
+    if (!m_network) {
+        OSS_DEBUG("m_network is NULL");
+        return;
+    }
+    OssUndoManager::AutoMacro macro(QStringLiteral("Bake to Paintable"));
+    const QList<OssSnBaseNode *> selection = m_network->selectedNodes();
+    if (selection.size() != 1) {
+        macro.cancel();
+        OssMessageBox::warning(this, tr("Bake to Paintable Node"),
+                               tr("Only one node must be selected for baking to a paintable node"));
+        return;
+    }
+    OssSnBaseNode *source = selection.first();
+    if (source->outputPointCount() == 0) {
+        macro.cancel();
+        OssMessageBox::warning(this, tr("Bake to Paintable Node"),
+                               tr("The node '%1' has no output to bake").arg(source->name()));
+        return;
+    }
+    QString output;
+    if (!chooseOutputPoint(this, source, tr("Bake to Paintable"),
+                           tr("Select the output port to bake at:"), &output)) {
+        macro.cancel();
+        return;
+    }
+    bakePaintBufferToNode(source);
+
+    // The image set the paint node shows, filled with the source's result.
+    OssChannel *imageSet = OssImageSetUtils::duplicateImageSet(
+        m_network->shadingGroup(), nullptr, QStringLiteral("Node_Bake_") + source->name());
+    if (!imageSet) {
+        OSS_DEBUG("ImageSet is NULL");
+        macro.cancel();
+        return;
+    }
+    OssImageSetUtils::bake(source, output, imageSet);
+    OssSnBaseNode *paintable = m_network->createPaintableNode(imageSet->name());
+    auto *paintNode = OssShaderNetworkUtils::asTrueImageSetNode(paintable);
+    if (!paintNode) {
+        OSS_DEBUG("PaintableNode is NULL");
+        macro.cancel();
+        return;
+    }
+    paintNode->setImageSet(imageSet, true);
+
+    // What the source fed from that output, the paint node feeds now.
+    for (const auto &link : source->outputConnections(output))
+        link.first->setInputNode(link.second, paintable, paintable->prefferedOutputPoint());
+
+    if (OssNgNode *gui = OssSnNodeGraphViewContext::guiNodeOf(paintable)) {
+        positionNodeManual(paintable, source, QPointF(Gap, -(gui->boundingRect().height() + Gap)));
+        emit gui->posChanged(gui->pos());
+    }
+    m_network->clearSelection();
+    paintable->setSelected(true);
+    emit nodeAdded(paintable);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+void OssShaderNetworkView::exportToGeoChannel()
+{
+    exportToGeoChannel(nullptr, QString());
+}
+
+void OssShaderNetworkView::exportToGeoChannel(OssGeoImageSet *pGeoImageSet)
+{
+    exportToGeoChannel(pGeoImageSet, QString());
+}
+
+void OssShaderNetworkView::exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName)
+{
+    if (!m_network) {
+        OSS_DEBUG("m_network is NULL");
+        return;
+    }
+    const QList<OssSnBaseNode *> selection = m_network->selectedNodes();
+    if (selection.size() != 1) {
+        OssMessageBox::warning(this, tr("Export to Geo-Channel"),
+                               tr("Only one node must be selected for exporting to a "
+                                  "geo-channel."));
+        return;
+    }
+    OssSnBaseNode *node = selection.first();
+    OssEntity *pGeoEntity = m_network->geoEntity();
+    if (!pGeoEntity) {
+        OSS_DEBUG("pGeoEntity is NULL");
+        return;
+    }
+    if (pGeoImageSet && pGeoImageSet->entity() != pGeoEntity) {
+        OssMessageBox::warning(this, tr("Export to Geo-Channel"),
+                               tr("Node and geo-channel must belong to the same object."));
+        return;
+    }
+    if (!pGeoImageSet) {
+        if (!OssApplication::popupsAllowed()) {
+            OSS_DEBUG("[ !! ] Unable to request geo-channel from user");
+            return;
+        }
+        const QList<OssGeoImageSet *> channels = pGeoEntity->geoChannels();
+        if (channels.isEmpty()) {
+            OssMessageBox::warning(this, tr("Export to Geo-Channel"),
+                                   tr("No geo-channels are available to export into. Please "
+                                      "add one."));
+            return;
+        }
+        QStringList names;
+        for (OssGeoImageSet *channel : channels)
+            names << channel->name();
+        bool ok = false;
+        const QString chosen =
+            QInputDialog::getItem(this, tr("Export to Geo-Channel"),
+                                  tr("Select the geo-channel to export to:"), names, 0, false, &ok);
+        pGeoImageSet = ok ? pGeoEntity->geoChannel(chosen) : nullptr;
+        if (!pGeoImageSet) {
+            OSS_DEBUG("pGeoImageSet is NULL");
+            return;
+        }
+    }
+    const QString imageSetName = QStringLiteral("Node_To_GeoChannel_") + pGeoImageSet->name();
+    OssShadingGroup *group = m_network->shadingGroup();
+    OssUndoManager::AutoMacro macro(tr("Export to Geo-Channel"));
+
+    // A bake point whose bake is current hands over a copy of the image set it baked into.
+    OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
+    OssChannel *baked = bakePoint && group ? group->channel(bakePoint->bakedImageSet()) : nullptr;
+    if (baked && bakePoint->hasBakedResult() && bakePoint->isBakedResultUpToDate(false)) {
+        OssChannel *copy = OssImageSetUtils::duplicateImageSet(group, baked, imageSetName);
+        OssImageSetUtils::setGeoChannelImageSet(pGeoImageSet, copy);
+        return;
+    }
+
+    QString output = OutputPointName;
+    if (output.isEmpty() && !chooseOutputPoint(this, node, tr("Export to Geo-Channel"),
+                                               tr("Select the output port to export:"), &output)) {
+        macro.cancel();
+        return;
+    }
+    if (!node->hasOutputPoint(output)) {
+        macro.cancel();
+        OSS_DEBUG("[ !! ] Node '%s' has no output point '%s'", qPrintable(node->name()),
+                  qPrintable(output));
+        return;
+    }
+    OssChannel *imageSet = OssImageSetUtils::createImageSetFromGeoChannel(
+        group, pGeoImageSet, imageSetName,
+        OssImageSetUtils::queryMaximumRequiredTextureResolutions(node));
+    if (!imageSet) {
+        OSS_DEBUG("ImageSet is NULL");
+        macro.cancel();
+        return;
+    }
+    OssImageSetUtils::setGeoChannelImageSet(pGeoImageSet, imageSet);
+    OssImageSetUtils::bake(node, output, imageSet);
 }
 
 // --- blending colour space of merge nodes

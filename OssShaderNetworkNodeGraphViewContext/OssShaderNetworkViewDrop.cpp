@@ -299,8 +299,11 @@ void OssShaderNetworkView::importArchives(const QStringList &paths, const QPoint
                 ok = material->importFromFile(path, &errors);
             else if (auto *procedural = qobject_cast<OssSnCustomProceduralNode *>(node))
                 ok = procedural->importFromFile(path, &errors);
-            if (ok)
+            if (ok) {
+                // Several archives at once must not land on each other.
+                placeNode(node);
                 imported.append(node);
+            }
         }
         if (errors.isEmpty()) {
             OssShaderNetworkManager::instance()->upgradeNetworks({m_network});

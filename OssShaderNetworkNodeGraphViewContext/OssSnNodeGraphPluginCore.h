@@ -81,6 +81,8 @@ public slots:
     void fitToViewAction();
     void importMaterial();
     void importCustomProcedural();
+    void bakeToPaintableNode();
+    void exportToGeoChannel();
     void bakeEmptyAndUpdateOutOfDateBakePoints();
     void bakeSelectedBakePoints();
     void updateSelectedBakePoints();

@@ -7,14 +7,19 @@
 
 #include <OssActionTreeManager.h>
 #include <OssApplication.h>
+#include <OssArchive.h>
 #include <OssCanvasManager.h>
 #include <OssCanvasWidget.h>
 #include <OssChannel.h>
 #include <OssCustomAttribute.h>
+#include <OssEntity.h>
+#include <OssGeoImageSet.h>
+#include <OssImageSetUtils.h>
 #include <OssShaderNetwork.h>
 #include <OssShadingGroup.h>
 #include <OssSnBakePointNode.h>
 #include <OssSnBaseNode.h>
+#include <OssSnCustomProceduralNode.h>
 #include <OssSnImageSetNodeBase.h>
 #include <OssUndoManager.h>
 
@@ -22,6 +27,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QTimer>
@@ -70,8 +77,9 @@ private:
     }
     static int blending(OssSnBaseNode *merge)
     {
-        return merge->nodeAttributeValue("BlendColorSpaceEnabled")
-            .value<OssUserEnum>()
+        // Enum attributes hold their text form ("1:Disabled|Enabled").
+        return OssUserEnum::fromString(
+                   merge->nodeAttributeValue("BlendColorSpaceEnabled").toString())
             .currentValue();
     }
     QList<int> mergeStates()
@@ -79,6 +87,62 @@ private:
         return {blending(node("M1")), blending(node("M2")), blending(node("MaskMerge"))};
     }
     OssChannel *diffuse() { return m_network->shadingGroup()->channel("Diffuse"); }
+    // Answers the next modal dialog (an item choice or a message box) from the event loop:
+    // records its title and text, then picks Item or presses the button; Cancel when empty.
+    void answerNextDialog(const QString &item, QString *title = nullptr, QString *text = nullptr)
+    {
+        QTimer::singleShot(0, this, [=] {
+            QWidget *modal = QApplication::activeModalWidget();
+            if (title && modal)
+                *title = modal->windowTitle();
+            if (auto *input = qobject_cast<QInputDialog *>(modal)) {
+                if (text)
+                    *text = input->labelText() + "|" + input->comboBoxItems().join(",");
+                if (item.isEmpty()) {
+                    input->reject();
+                } else {
+                    input->setTextValue(item);
+                    input->accept();
+                }
+            } else if (auto *box = qobject_cast<QMessageBox *>(modal)) {
+                if (text)
+                    *text = box->text();
+                box->button(QMessageBox::Ok)->click();
+            }
+        });
+    }
+    // A custom procedural with two outputs, Color (preferred) and Height, fed by Noise.
+    OssSnBaseNode *twoOutputNode()
+    {
+        const QByteArray description =
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<NodeType PathKey=\"Custom/Layered\" MenuPath=\"Custom/Layered\" "
+            "Class=\"OssSnBaseNode\" VersionUuid=\"TEST_Layered\" Date=\"2026-01-01\" "
+            "NodeGraph=\"true\">\n"
+            "  <Inputs Preferred=\"Input\"><Input Name=\"Input\" Type=\"color\" Tags=\"\"/>"
+            "</Inputs>\n"
+            "  <Outputs Preferred=\"Color\"><Output Name=\"Color\" Type=\"color\"/>"
+            "<Output Name=\"Height\" Type=\"float\"/></Outputs>\n"
+            "</NodeType>\n";
+        const QString path = m_host.scratchPath("layered.opc");
+        QString error;
+        if (!OssArchive::write(path, QString::fromLatin1(OssArchive::CustomProceduralKind),
+                               description, &error))
+            return nullptr;
+        auto *node = qobject_cast<OssSnCustomProceduralNode *>(
+            m_network->createNode("Misc/Custom Procedural", "Layered"));
+        if (!node || !node->importFromFile(path))
+            return nullptr;
+        node->connectInput("Input", node->network()->node("Noise"), "Output");
+        return node;
+    }
+    OssGeoImageSet *addGeoChannel(const QString &name)
+    {
+        OssGeoImageSet *geo = m_network->geoEntity()->addGeoChannel(name);
+        geo->setInternalFormat(OssChannel::HalfFloat);
+        geo->setColorSpaceConfiguration("scalar");
+        return geo;
+    }
     static QVariantMap answer(QMessageBox::StandardButton button, bool dontShowAgain)
     {
         return {{"button", int(button)}, {"dontShowAgain", dontShowAgain}};
@@ -277,6 +341,202 @@ private slots:
         lone.bakeSelectedBakePoints();
         lone.updateUpstreamBakePoints();
         QCOMPARE(m_host.lines(), (QStringList{"m_network is NULL", "m_network is NULL"}));
+    }
+
+    // --- Bake to Paint Node
+
+    void bakingMakesAPaintNodeThatTakesTheNodesPlace()
+    {
+        const QString before = m_network->dump();
+        select({"Blur"});
+        action("Bake to Paint Node")->trigger();
+        OssSnBaseNode *paint = node("Node_Bake_Blur");
+        QVERIFY(paint);
+        QCOMPARE(paint->pathKey(), QStringLiteral("Misc/Channel Input"));
+        OssChannel *imageSet = qobject_cast<OssSnImageSetNodeBase *>(paint)->imageSet();
+        QVERIFY(imageSet);
+        QCOMPARE(imageSet->name(), QStringLiteral("Node_Bake_Blur"));
+        QCOMPARE(m_network->shadingGroup()->channel("Node_Bake_Blur"), imageSet);
+        // The bake holds the result of Blur's graph: another graph gives other content.
+        const QString baked = imageSet->content();
+        QCOMPARE(baked, OssImageSetUtils::resultDigest(node("Blur"), "Output"));
+        // The paint node feeds what Blur fed, above Blur and selected alone.
+        QCOMPARE(node("BP2")->inputConnection("Input"), paint);
+        QCOMPARE(m_network->selectedNodes(), QList<OssSnBaseNode *>{paint});
+        QVERIFY(OssSnNodeGraphViewContext::guiNodeOf(paint)->pos().y() <
+                OssSnNodeGraphViewContext::guiNodeOf(node("Blur"))->pos().y());
+        QCOMPARE(undo()->count(), 1);
+        QCOMPARE(undo()->undoText(), QStringLiteral("Bake to Paintable"));
+        undo()->undo();
+        QCOMPARE(m_network->dump(), before);
+        QVERIFY(!m_network->shadingGroup()->channel("Node_Bake_Blur"));
+        undo()->redo();
+        QCOMPARE(node("BP2")->inputConnection("Input"), node("Node_Bake_Blur"));
+        QCOMPARE(m_network->shadingGroup()->channel("Node_Bake_Blur")->content(), baked);
+        node("Noise")->setNodeAttribute("Frequency", 11.0);
+        QVERIFY(OssImageSetUtils::resultDigest(node("Blur"), "Output") != baked);
+    }
+
+    void bakingAPaintNodeFlushesItsPaintBufferFirst()
+    {
+        OssCanvasWidget canvas;
+        OssCanvasManager::setCurrentCanvas(&canvas);
+        select({"Paint"});
+        view()->bakeToPaintableNode();
+        QCOMPARE(canvas.flushCount(), 1);
+        QCOMPARE(canvas.lastFlushedImageSet(), diffuse());
+        QVERIFY(node("Node_Bake_Paint"));
+    }
+
+    void onlyOneNodeIsBakedToAPaintNode_data()
+    {
+        QTest::addColumn<QStringList>("selected");
+        QTest::newRow("none") << QStringList();
+        QTest::newRow("two") << QStringList{"Blur", "Lone"};
+    }
+
+    void onlyOneNodeIsBakedToAPaintNode()
+    {
+        QFETCH(QStringList, selected);
+        const QString before = m_network->dump();
+        select(selected);
+        view()->bakeToPaintableNode();
+        QVERIFY(m_host.hasLine("[ !! ] Bake to Paintable Node: Only one node must be selected for "
+                               "baking to a paintable node"));
+        QCOMPARE(m_network->dump(), before);
+        QCOMPARE(undo()->count(), 0);
+    }
+
+    void theUserPicksWhichOutputIsBaked()
+    {
+        OssSnBaseNode *layered = twoOutputNode();
+        QVERIFY(layered);
+        QVERIFY(node("Lone")->connectInput("Input", layered, "Height"));
+        QVERIFY(node("Blur")->connectInput("Input", layered, "Color"));
+        undo()->clear();
+        OssApplication::setPopupsAllowed(true);
+        QString title, text;
+        answerNextDialog("Height", &title, &text);
+        select({"Layered"});
+        view()->bakeToPaintableNode();
+        QCOMPARE(title, QStringLiteral("Bake to Paintable"));
+        QCOMPARE(text, QStringLiteral("Select the output port to bake at:|Color,Height"));
+        OssSnBaseNode *paint = node("Node_Bake_Layered");
+        QVERIFY(paint);
+        QCOMPARE(qobject_cast<OssSnImageSetNodeBase *>(paint)->imageSet()->content(),
+                 OssImageSetUtils::resultDigest(layered, "Height"));
+        // Only what the chosen output fed moves to the paint node.
+        QCOMPARE(node("Lone")->inputConnection("Input"), paint);
+        QCOMPARE(node("Blur")->inputConnection("Input"), layered);
+    }
+
+    void cancellingTheOutputChoiceBakesNothing()
+    {
+        QVERIFY(twoOutputNode());
+        undo()->clear();
+        const QString before = m_network->dump();
+        OssApplication::setPopupsAllowed(true);
+        answerNextDialog(QString());
+        select({"Layered"});
+        view()->bakeToPaintableNode();
+        QCOMPARE(m_network->dump(), before);
+        QCOMPARE(undo()->count(), 0);
+        QVERIFY(!m_network->shadingGroup()->channel("Node_Bake_Layered"));
+    }
+
+    // --- Export to Geo-Channel
+
+    void exportingFillsANewImageSetOfTheGeoChannel()
+    {
+        OssGeoImageSet *ao = addGeoChannel("AO");
+        OssChannel *previous = m_network->shadingGroup()->addChannel("Old AO");
+        ao->setImageSet(previous);
+        diffuse()->setWidth(4096);
+        diffuse()->setHeight(1024);
+        QVERIFY(node("Lone")->connectInput("Input", node("Paint"), "Output"));
+        undo()->clear();
+        select({"Lone"});
+        view()->exportToGeoChannel(ao);
+        OssChannel *imageSet = ao->imageSet();
+        QVERIFY(imageSet);
+        QCOMPARE(imageSet->name(), QStringLiteral("Node_To_GeoChannel_AO"));
+        QCOMPARE(imageSet->channelType(), int(OssChannel::HalfFloat));
+        QCOMPARE(imageSet->colorSpace(), QStringLiteral("scalar"));
+        // As large as the largest paint it is made from.
+        QCOMPARE(QSize(imageSet->width(), imageSet->height()), QSize(4096, 1024));
+        QCOMPARE(imageSet->content(), OssImageSetUtils::resultDigest(node("Lone"), "Output"));
+        QCOMPARE(undo()->count(), 1);
+        QCOMPARE(undo()->undoText(), QStringLiteral("Export to Geo-Channel"));
+        undo()->undo();
+        QCOMPARE(ao->imageSet(), previous);
+        QVERIFY(!m_network->shadingGroup()->channel("Node_To_GeoChannel_AO"));
+    }
+
+    void exportingWithoutPaintUpstreamUsesTheDefaultSize()
+    {
+        OssGeoImageSet *ao = addGeoChannel("AO");
+        select({"Blur"});
+        action("Export to Geo-Channel")->trigger();
+        // Without popups nobody can be asked which geo-channel.
+        QVERIFY(m_host.hasLine("[ !! ] Unable to request geo-channel from user"));
+        QVERIFY(!ao->imageSet());
+        view()->exportToGeoChannel(ao, "Output");
+        QCOMPARE(QSize(ao->imageSet()->width(), ao->imageSet()->height()), QSize(2048, 2048));
+    }
+
+    void theUserPicksTheGeoChannel()
+    {
+        addGeoChannel("AO");
+        OssGeoImageSet *curvature = addGeoChannel("Curvature");
+        OssApplication::setPopupsAllowed(true);
+        QString title, text;
+        answerNextDialog("Curvature", &title, &text);
+        select({"Blur"});
+        view()->exportToGeoChannel();
+        QCOMPARE(title, QStringLiteral("Export to Geo-Channel"));
+        QCOMPARE(text, QStringLiteral("Select the geo-channel to export to:|AO,Curvature"));
+        QVERIFY(curvature->imageSet());
+        QCOMPARE(curvature->imageSet()->name(), QStringLiteral("Node_To_GeoChannel_Curvature"));
+    }
+
+    void exportRefusals_data()
+    {
+        QTest::addColumn<QStringList>("selected");
+        QTest::addColumn<QString>("geoChannel");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("nothing selected")
+            << QStringList() << "AO"
+            << "Only one node must be selected for exporting to a geo-channel.";
+        QTest::newRow("two selected")
+            << QStringList{"Blur", "Lone"} << "AO"
+            << "Only one node must be selected for exporting to a geo-channel.";
+        QTest::newRow("another object's geo-channel")
+            << QStringList{"Blur"} << "elsewhere"
+            << "Node and geo-channel must belong to the same object.";
+        QTest::newRow("no geo-channel to pick")
+            << QStringList{"Blur"} << ""
+            << "No geo-channels are available to export into. Please add one.";
+    }
+
+    void exportRefusals()
+    {
+        QFETCH(QStringList, selected);
+        QFETCH(QString, geoChannel);
+        QFETCH(QString, text);
+        OssEntity elsewhere("Elsewhere");
+        OssGeoImageSet *target = geoChannel == "AO"          ? addGeoChannel("AO")
+                                 : geoChannel == "elsewhere" ? elsewhere.addGeoChannel("AO")
+                                                             : nullptr;
+        const QString before = m_network->dump();
+        OssApplication::setPopupsAllowed(true);
+        QString title, shown;
+        answerNextDialog(QString(), &title, &shown);
+        select(selected);
+        view()->exportToGeoChannel(target);
+        QCOMPARE(title, QStringLiteral("Export to Geo-Channel"));
+        QCOMPARE(shown, text);
+        QCOMPARE(m_network->dump(), before);
+        QCOMPARE(undo()->count(), 0);
     }
 
     // --- blending colour space of merge nodes
