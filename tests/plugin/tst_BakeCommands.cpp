@@ -492,7 +492,7 @@ private slots:
         QString title, text;
         answerNextDialog("Curvature", &title, &text);
         select({"Blur"});
-        view()->exportToGeoChannel();
+        action("Export to Geo-Channel")->trigger();
         QCOMPARE(title, QStringLiteral("Export to Geo-Channel"));
         QCOMPARE(text, QStringLiteral("Select the geo-channel to export to:|AO,Curvature"));
         QVERIFY(curvature->imageSet());

@@ -369,6 +369,22 @@ private slots:
         QCOMPARE(undo()->count(), 0);
     }
 
+    void aViewWithoutASceneLeavesDragsToTheBaseView()
+    {
+        OssShaderNetworkView lone;
+        lone.setNetwork(m_network);
+        lone.resize(200, 200);
+        const QString png = writeImage("no scene.png");
+        std::unique_ptr<QMimeData> mime(filesMime({png}));
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, mime.get(), Qt::LeftButton,
+                              Qt::NoModifier);
+        QApplication::sendEvent(lone.viewport(), &enter);
+        QVERIFY(!enter.isAccepted());
+        QDropEvent drop(QPoint(10, 10), Qt::CopyAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(lone.viewport(), &drop);
+        QCOMPARE(m_network->dump(), m_before);
+    }
+
     void aMixOfArchiveKindsIsRefused()
     {
         std::unique_ptr<QMimeData> mime(

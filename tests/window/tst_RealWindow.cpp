@@ -604,6 +604,11 @@ private slots:
             "the dropping shell's graph is not shown");
         pause(2500);
         screen("image dropped");
+        // Empty canvas of this shell's graph takes the focus for the save.
+        xdotool({"mousemove", "400", "150"});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
         xdotool({"key", "ctrl+s"});
         QElapsedTimer clock;
         clock.start();
