@@ -182,6 +182,7 @@ void OssShaderNetworkView::bakeEmptyAndUpdateOutOfDateBakePoints()
         OSS_DEBUG("[ !! ] No Bake Point nodes found");
         return;
     }
+    OssUndoManager::AutoMacro macro(QStringLiteral("Smart Bake And Update"));
     OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
 }
 
@@ -196,6 +197,7 @@ void OssShaderNetworkView::bakeSelectedBakePoints()
         OSS_DEBUG("[ !! ] No Bake Point nodes are selected");
         return;
     }
+    OssUndoManager::AutoMacro macro(QStringLiteral("Bake Selected"));
     OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
 }
 
@@ -211,6 +213,7 @@ void OssShaderNetworkView::updateSelectedBakePoints()
         return;
     }
     // Only the selected update leaves bake points whose bake is still current alone.
+    OssUndoManager::AutoMacro macro(QStringLiteral("Update Selected"));
     OssShaderNetworkUtils::bakeBakePoints(nodes, true, false);
 }
 
@@ -231,6 +234,7 @@ void OssShaderNetworkView::updateUpstreamBakePoints()
         OSS_DEBUG("[ !! ] No upstream Bake Point nodes found");
         return;
     }
+    OssUndoManager::AutoMacro macro(QStringLiteral("Update Upstream"));
     OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
 }
 
@@ -251,6 +255,7 @@ void OssShaderNetworkView::updateDownstreamBakePoints()
         OSS_DEBUG("[ !! ] No downstream Bake Point nodes found");
         return;
     }
+    OssUndoManager::AutoMacro macro(QStringLiteral("Update Downstream"));
     OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
 }
 

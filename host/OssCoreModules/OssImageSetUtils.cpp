@@ -176,10 +176,23 @@ QString OssImageSetUtils::resultDigest(const OssSnBaseNode *node, const QString 
 
 void OssImageSetUtils::bake(OssSnBaseNode *node, const QString &outputPoint, OssChannel *imageSet)
 {
-    if (!node || !imageSet)
-        return;
-    OssUndoManager::instance()->addUndo(
-        new SetContentCommand(imageSet, resultDigest(node, outputPoint)));
+    if (node)
+        writeContent(imageSet, resultDigest(node, outputPoint));
+}
+
+void OssImageSetUtils::writeContent(OssChannel *imageSet, const QString &content)
+{
+    if (imageSet && imageSet->content() != content)
+        OssUndoManager::instance()->addUndo(new SetContentCommand(imageSet, content));
+}
+
+OssChannel *OssImageSetUtils::imageSetNamed(OssShadingGroup *group, const QString &name)
+{
+    if (!group)
+        return nullptr;
+    if (OssChannel *existing = group->channel(name))
+        return existing;
+    return addImageSet(group, new OssChannel(name));
 }
 
 QSize OssImageSetUtils::queryMaximumRequiredTextureResolutions(const OssSnBaseNode *node)

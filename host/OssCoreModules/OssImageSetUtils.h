@@ -26,6 +26,10 @@ public:
     // Renders an output point of Node into the image set; one undo step. The host has no
     // renderer: the content becomes the digest of everything upstream that shapes the result.
     static void bake(OssSnBaseNode *node, const QString &outputPoint, OssChannel *imageSet);
+    // Writes a rendered result into the image set; one undo step.
+    static void writeContent(OssChannel *imageSet, const QString &content);
+    // The group's image set of that name, made (one undo step) when there is none.
+    static OssChannel *imageSetNamed(OssShadingGroup *group, const QString &name);
     static QString resultDigest(const OssSnBaseNode *node, const QString &outputPoint);
     // The largest size of the image sets painted upstream of Node, or the default 2048 square.
     static QSize queryMaximumRequiredTextureResolutions(const OssSnBaseNode *node);

@@ -214,6 +214,29 @@ private slots:
         QVERIFY(bakePoint("BP2")->isBakedResultUpToDate(true));
     }
 
+    void aBakeIsOneUndoStepThatFillsTheBakePointsImageSet()
+    {
+        action("Smart Bake And Update")->trigger();
+        OssChannel *baked = m_network->shadingGroup()->channel("Node_Bake_BP2");
+        QVERIFY(baked);
+        QCOMPARE(baked->content(), bakePoint("BP2")->bakedSignature());
+        QCOMPARE(undo()->count(), 1);
+        QCOMPARE(undo()->undoText(), QStringLiteral("Smart Bake And Update"));
+        undo()->undo();
+        QVERIFY(!bakePoint("BP1")->hasBakedResult());
+        QVERIFY(!bakePoint("BP2")->hasBakedResult());
+        QVERIFY(!m_network->shadingGroup()->channel("Node_Bake_BP2"));
+        undo()->redo();
+        QVERIFY(bakePoint("BP2")->isBakedResultUpToDate(true));
+        QCOMPARE(m_network->shadingGroup()->channel("Node_Bake_BP2")->content(),
+                 bakePoint("BP2")->bakedSignature());
+        // Nothing to bake is no step.
+        undo()->clear();
+        select({"Blur"});
+        view()->bakeSelectedBakePoints();
+        QCOMPARE(undo()->count(), 0);
+    }
+
     void smartBakeWithoutBakePointsSaysSo()
     {
         m_network->removeNodes({node("BP1"), node("BP2")});
@@ -470,6 +493,27 @@ private slots:
         undo()->undo();
         QCOMPARE(ao->imageSet(), previous);
         QVERIFY(!m_network->shadingGroup()->channel("Node_To_GeoChannel_AO"));
+    }
+
+    void aCurrentBakePointHandsOverACopyOfItsBake()
+    {
+        OssGeoImageSet *ao = addGeoChannel("AO");
+        select({"BP1"});
+        view()->bakeSelectedBakePoints();
+        OssChannel *baked = m_network->shadingGroup()->channel("Node_Bake_BP1");
+        QVERIFY(baked);
+        view()->exportToGeoChannel(ao);
+        QVERIFY(ao->imageSet());
+        QVERIFY(ao->imageSet() != baked);
+        QCOMPARE(ao->imageSet()->name(), QStringLiteral("Node_To_GeoChannel_AO"));
+        QCOMPARE(ao->imageSet()->content(), baked->content());
+        QCOMPARE(ao->imageSet()->channelType(), baked->channelType());
+        // Once stale, the node's result is rendered for the geo-channel instead.
+        node("Noise")->setNodeAttribute("Frequency", 13.0);
+        view()->exportToGeoChannel(ao);
+        QCOMPARE(ao->imageSet()->name(), QStringLiteral("Node_To_GeoChannel_AO1"));
+        QCOMPARE(ao->imageSet()->content(), OssImageSetUtils::resultDigest(node("BP1"), "Output"));
+        QCOMPARE(ao->imageSet()->channelType(), int(OssChannel::HalfFloat));
     }
 
     void exportingWithoutPaintUpstreamUsesTheDefaultSize()
