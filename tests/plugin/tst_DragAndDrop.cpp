@@ -385,6 +385,18 @@ private slots:
         QCOMPARE(m_network->dump(), m_before);
     }
 
+    void commandsWithoutANetworkDoNothing()
+    {
+        OssShaderNetworkView lone;
+        const QString path = writeProceduralArchive("Lone.opc", "Custom/Lone");
+        lone.importCustomProcedural({path}, QPoint());
+        lone.importMaterial({path}, QPoint());
+        lone.createNodeFromDropImage(nullptr, "Procedural/Pattern/Tiled");
+        QCOMPARE(m_host.lines(),
+                 (QStringList{"m_network is NULL", "m_network is NULL", "m_network is NULL"}));
+        QCOMPARE(undo()->count(), 0);
+    }
+
     void aMixOfArchiveKindsIsRefused()
     {
         std::unique_ptr<QMimeData> mime(
