@@ -329,6 +329,9 @@ public slots:
         OssSnNodeHighlights::showHover(MouseOver, OldMouseOver);
     }
     void onNodeCollapsedModeChanged();
+    // Makes a node of the sender action's path key for each image selected in the image
+    // manager, in the current view.
+    void addImageAs();
     void showPropertiesPalette();
     void showNodeGraphPalette();
     void initialiseNodeGraphPalette();
