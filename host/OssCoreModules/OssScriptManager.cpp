@@ -17,7 +17,10 @@ OssScriptManager *OssScriptManager::instance()
     return manager;
 }
 
-OssScriptManager::OssScriptManager(QObject *parent) : QObject(parent) {}
+OssScriptManager::OssScriptManager(QObject *parent) : QObject(parent)
+{
+    Ossa::registerHostScriptTypes(this);
+}
 
 OssScriptManager::~OssScriptManager()
 {
