@@ -3,11 +3,13 @@
 #include "OssScriptEngine.h"
 
 #include <OssPalette.h>
+#include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssScriptManager.h>
 #include <OssUndoManager.h>
 #include <OssaAPI.h>
 
+#include <QColor>
 #include <QGraphicsScene>
 #include <QGraphicsView>
 #include <QHash>
@@ -21,6 +23,8 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <algorithm>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -482,7 +486,9 @@ struct BoundMethod
             const QList<QByteArray> names = method.parameterNames();
             if (static_cast<int>(args.size() + kwargs.size()) != names.size())
                 continue;
-            std::vector<py::handle> ordered(args.begin(), args.end());
+            std::vector<py::handle> ordered;
+            for (py::handle arg : args)
+                ordered.push_back(arg);
             ordered.resize(static_cast<size_t>(names.size()));
             bool fits = true;
             for (auto item : kwargs) {
@@ -603,8 +609,9 @@ QObject *internalOf(QObject *object)
 }
 
 // Writes a PNG of a view's whole scene (or of any other widget) to Path.
-void writePicture(py::handle target, const QString &path, double scale)
+void writePicture(py::handle target, const std::string &file, double scale)
 {
+    const QString path = QString::fromStdString(file);
     if (!isHost(target))
         typeError(QStringLiteral("expected a host object, not %1").arg(typeLabel(target)));
     QObject *internal = internalOf(objectOf(target));
@@ -767,6 +774,8 @@ PYBIND11_EMBEDDED_MODULE(ossa, module)
         .def("__exit__", &UndoBlock::exit);
 
     py::class_<OutputStream>(module, "OutputStream")
+        .def(py::init<>())
+        .def_readwrite("isError", &OutputStream::isError)
         .def("write", &OutputStream::write)
         .def("flush", [](const OutputStream &) {})
         .def_property_readonly("encoding", [](const OutputStream &) { return "utf-8"; });

@@ -52,7 +52,7 @@ def complete(text, namespace):
 struct Interpreter
 {
     std::unique_ptr<py::scoped_interpreter> interpreter;
-    py::dict main;
+    py::object main;
     py::module_ helpers;
 };
 
@@ -188,8 +188,12 @@ OssScriptEngine::Result OssScriptEngine::execute(const QString &source, const QS
             }
         } else {
             result.status = 1;
-            result.error = toQString(
-                state.helpers.attr("format_exception")(error.type(), error.value(), error.trace()));
+            // A syntax error found while compiling comes without a traceback.
+            auto orNone = [](const py::object &part) {
+                return part ? part : py::object(py::none());
+            };
+            result.error = toQString(state.helpers.attr("format_exception")(
+                orNone(error.type()), orNone(error.value()), orNone(error.trace())));
         }
     } catch (std::exception &error) {
         result.status = 1;

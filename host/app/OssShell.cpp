@@ -110,6 +110,9 @@ int ossRunShell(int argc, char **argv)
     parser.addOptions({screenshot, settingsDir, pluginDir, quit, script, run});
     parser.process(app);
     const bool scripted = parser.isSet(script) || parser.isSet(run);
+    // A script's standard error is its own: tracebacks and what it writes, not the debug log.
+    if (scripted)
+        OssDebugSinks::setEchoToStandardError(false);
     if (parser.isSet(script) && !QFileInfo(parser.value(script)).isFile()) {
         QTextStream(stderr) << "Cannot run the script " << parser.value(script)
                             << ": no such file\n";

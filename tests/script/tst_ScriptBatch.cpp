@@ -1,10 +1,12 @@
 #include "OssTestPluginHost.h"
 
 #include "OssSnNodeGraphViewContext.h"
+#include "OssSnNodeGraphWidget.h"
 
 #include <OssNgNode.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
+#include <OssScriptEngine.h>
 #include <OssScriptManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
@@ -95,7 +97,13 @@ private:
     }
 
 private slots:
-    void initTestCase() { QVERIFY2(m_host.start(), qPrintable(m_host.errorString())); }
+    void initTestCase()
+    {
+        // Qt Test fixes the logical resolution at 96 dpi; the shell uses the screen's. Text, and
+        // so node sizes and layouts, must measure the same in both.
+        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, false);
+        QVERIFY2(m_host.start(), qPrintable(m_host.errorString()));
+    }
 
     void cleanup() { QVERIFY(m_host.reset()); }
 
@@ -117,18 +125,34 @@ private slots:
         const Run run = shell({QStringLiteral("--script"), script, project, pictures});
         QVERIFY2(run.status == 0, qPrintable(run.err));
 
-        // What the same steps give in this process, on the original sample.
+        // The same script in this process, on a second copy: the layout it leaves in memory is
+        // what the shell must have saved.
+        const QString second = work.filePath(QStringLiteral("second.ossa"));
+        QVERIFY(QFile::copy(OssTestHost::samplePath(), second));
+        QFile::setPermissions(second, QFile::ReadOwner | QFile::WriteOwner);
         QVERIFY(m_host.openSample());
+        const QMap<QString, QPointF> original = places();
+        QVERIFY(m_host.reset());
+        QVERIFY(m_host.openProject(second));
+        // Shown, as in the shell.
+        m_host.nodeGraphWidget()->window()->resize(1280, 800);
+        m_host.nodeGraphWidget()->window()->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_host.nodeGraphWidget()->window()));
         const int networkCount = allNetworks().size();
-        for (OssShaderNetwork *root : OssProjectManager::instance()->currentProject()->networks()) {
-            OssShaderNetworkManager::instance()->setCurrentShaderNetwork(root);
-            for (OssShaderNetwork *network : allNetworks())
-                if (network == root || network->rootNetwork() == root)
-                    qobject_cast<Ossa::NodeGraph *>(OssScriptManager::instance()->apiFor(network))
-                        ->autoplace();
-        }
+        const OssScriptEngine::Result inProcess = OssScriptEngine::instance()->runFile(
+            script, {script, second, work.filePath(QStringLiteral("second-pictures"))});
+        QVERIFY2(inProcess.status == 0, qPrintable(inProcess.error));
+        QVERIFY(m_host.reset());
+        QVERIFY(m_host.openProject(second));
         const QMap<QString, QPointF> expected = places();
         QVERIFY(m_host.reset());
+        // The layout moved nodes.
+        QCOMPARE(expected.keys(), original.keys());
+        int moved = 0;
+        for (auto it = expected.cbegin(); it != expected.cend(); ++it)
+            if (QLineF(original.value(it.key()), it.value()).length() > 1)
+                ++moved;
+        QVERIFY(moved > 0);
 
         // One picture per network, each with a graph drawn in it.
         const QStringList written = QDir(pictures).entryList({QStringLiteral("*.png")});
@@ -152,7 +176,12 @@ private slots:
         QCOMPARE(saved.keys(), expected.keys());
         for (auto it = expected.cbegin(); it != expected.cend(); ++it)
             QVERIFY2(QLineF(saved.value(it.key()), it.value()).length() < 0.5,
-                     qPrintable(it.key()));
+                     qPrintable(QStringLiteral("%1 saved at %2,%3 instead of %4,%5")
+                                    .arg(it.key())
+                                    .arg(saved.value(it.key()).x())
+                                    .arg(saved.value(it.key()).y())
+                                    .arg(it.value().x())
+                                    .arg(it.value().y())));
     }
 
     void exitStatus_data()

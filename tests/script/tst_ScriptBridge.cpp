@@ -324,8 +324,8 @@ private slots:
         engine()->addObject(QStringLiteral("doomed"), doomed);
         OSS_RUN_PYTHON("doomed = ossa.doomed\nassert doomed.twice(2) == 4\nrepeat = doomed.twice");
         OssScriptManager::instance()->deleteAPI(doomed);
-        OSS_RUN_PYTHON("expect_error(ossa.ObjectNotValid, 'Script object not valid', doomed.twice, "
-                       "2)\n"
+        OSS_RUN_PYTHON("expect_error(ossa.ObjectNotValid, 'Script object not valid', lambda: "
+                       "doomed.twice)\n"
                        "expect_error(ossa.ObjectNotValid, 'Script object not valid', repeat, 2)\n"
                        "assert not doomed.isValid()");
         OSS_RUN_PYTHON("del doomed, repeat\nossa.doomed = None");
