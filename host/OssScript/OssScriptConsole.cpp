@@ -42,7 +42,8 @@ OssScriptConsoleInput::OssScriptConsoleInput(QWidget *parent) : QPlainTextEdit(p
     QFont mono(QStringLiteral("Monospace"));
     mono.setStyleHint(QFont::TypeWriter);
     setFont(mono);
-    setMaximumHeight(fontMetrics().lineSpacing() * 8);
+    // Room for a short block; longer entries scroll.
+    setMaximumHeight(fontMetrics().lineSpacing() * 5);
     setPlaceholderText(tr("Python: Return runs, Shift+Return adds a line, Tab completes"));
 }
 
@@ -133,6 +134,7 @@ OssScriptConsole::OssScriptConsole(QWidget *parent) : QWidget(parent)
     m_log->setReadOnly(true);
     m_log->setMaximumBlockCount(MaximumLogLines);
     m_log->setFont(QFont(QStringLiteral("Monospace")));
+    m_log->setMinimumHeight(m_log->fontMetrics().lineSpacing() * 10);
     m_log->setStyleSheet(QStringLiteral("QPlainTextEdit { background: #202020; }"));
     m_input = new OssScriptConsoleInput(this);
     auto *layout = new QVBoxLayout(this);
