@@ -3,6 +3,7 @@
 #include "OssMainWindow.h"
 #include "OssPluginHost.h"
 #include "OssShellScripting.h"
+#include "OssTestDrop.h"
 
 #include <OssApplication.h>
 #include <OssDebug.h>
@@ -157,6 +158,7 @@ int ossRunShell(int argc, char **argv)
         OssProjectManager::instance()->newProject();
     }
     window.show();
+    ossScheduleTestDrop(&window);
 
     int exitCode = 0;
     if (parser.isSet(screenshot)) {
