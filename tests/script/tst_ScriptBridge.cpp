@@ -23,6 +23,7 @@ class Probe : public Ossa::API
 public:
     int level() const { return m_level; }
     void setLevel(int level) { m_level = level; }
+    Q_INVOKABLE int next(int Value) const { return Value + 1; }
 
 public slots:
     bool flip(bool Value) { return !Value; }
@@ -132,6 +133,8 @@ private slots:
                                     << "9";
         QTest::newRow("keyword") << "probe.sum(4, B=6)"
                                  << "10";
+        QTest::newRow("invokable") << "probe.next(1)"
+                                   << "2";
         QTest::newRow("property") << "probe.level"
                                   << "3";
     }
