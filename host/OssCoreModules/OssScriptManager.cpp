@@ -37,6 +37,7 @@ void OssScriptManager::registerAPIFactory(OssAPIFactory *factory)
         return;
     m_factories.insert(name, factory);
     delete previous;
+    emit apiFactoryRegistered(name);
 }
 
 OssAPIFactory *OssScriptManager::factory(const QString &internalClassName) const

@@ -87,6 +87,8 @@ public:
 
 signals:
     void scriptError(int type, const QString &message);
+    // After a factory is registered, with the internal class it serves.
+    void apiFactoryRegistered(const QString &internalClassName);
 
 private:
     explicit OssScriptManager(QObject *parent = nullptr);

@@ -6,6 +6,7 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "OssSnNodeGraphWidget.h"
+#include "OssSnScriptObjects.h"
 
 #include <OssPalette.h>
 #include <OssProject.h>
@@ -17,6 +18,7 @@
 
 #include <QGraphicsView>
 #include <QMetaMethod>
+#include <QSignalSpy>
 #include <QtTest>
 
 #include <functional>
@@ -119,6 +121,18 @@ private slots:
         QCOMPARE(scripts()->factoryFor(tabs()->view()), viewFactory);
         QVERIFY(palette());
         QCOMPARE(palette()->internalObject(), nodeGraphPalette());
+    }
+
+    void paletteFactoryIsRegisteredFirst()
+    {
+        QSignalSpy registered(scripts(), &OssScriptManager::apiFactoryRegistered);
+        OssSnScriptObjects::registerFactories();
+        QCOMPARE(registered.count(), 2);
+        QCOMPARE(registered.at(0).at(0).toString(), QStringLiteral("OssPalette"));
+        QCOMPARE(registered.at(1).at(0).toString(), QStringLiteral("OssShaderNetworkView"));
+        // Registering again replaces the factories: one of each is served.
+        QCOMPARE(scripts()->factory(QStringLiteral("OssPalette"))->scriptClassName(),
+                 QStringLiteral("Ossa::NodeGraphPalette"));
     }
 
     void slotsInBindingOrder()
