@@ -624,7 +624,16 @@ private slots:
         m_host.clearLines();
         m_network = m_host.openSample();
         QVERIFY2(m_network, qPrintable(m_host.errorString()));
-        QVERIFY2(m_host.lines().isEmpty(), qPrintable(m_host.lines().join('\n')));
+        // The stand-in context of this test has none of the view context's saved properties;
+        // the reader says so for each, and nothing else may be reported.
+        QStringList lines = m_host.lines();
+        lines.erase(std::remove_if(lines.begin(), lines.end(),
+                                   [](const QString &line) {
+                                       return line.contains(QStringLiteral(
+                                           "RecordingContext has no writable property"));
+                                   }),
+                    lines.end());
+        QVERIFY2(lines.isEmpty(), qPrintable(lines.join('\n')));
         OssProject *project = OssProjectManager::instance()->currentProject();
         QCOMPARE(m_network, project->networks().first());
         QCOMPARE(m_network->geoEntity()->name(), QStringLiteral("Helmet"));
