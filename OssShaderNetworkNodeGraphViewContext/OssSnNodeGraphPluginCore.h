@@ -79,6 +79,17 @@ public slots:
     void toggleEdgeSeverAction();
     void ensureIsVisibleAction();
     void fitToViewAction();
+    void quickCreate();
+    void searchNodesAction();
+    void createPaintableNode();
+    void printNodeInfo();
+    void importNodes();
+    void exportNodes();
+    // Reached by name only (the context menu and scripts); no action of their own.
+    void generateMaterialPreview();
+    void dumpSelectedNodeInfo();
+    void dumpNodeUIAction();
+    void setImageSetByNameAction();
 
 private slots:
     void createNodeCreationActions();
