@@ -116,7 +116,8 @@ QString nextFreeInput(const OssSnBaseNode *node)
 }
 
 // The input of Node that Source feeds, other than those in Before.
-QString inputFedBy(const OssSnBaseNode *node, const OssSnBaseNode *source, const QStringList &before)
+QString inputFedBy(const OssSnBaseNode *node, const OssSnBaseNode *source,
+                   const QStringList &before)
 {
     for (const QString &input : node->inputNames())
         if (node->inputConnection(input) == source && !before.contains(input))
@@ -232,9 +233,9 @@ void OssShaderNetworkView::createMergeNode(QPoint NodeViewPos)
     }
     OssUndoManager::AutoMacro macro(QStringLiteral("Create Multi-Channel Merge"));
     const QList<OssNgNode *> sorted = sortedSelection();
-    auto *first = sorted.isEmpty() ? nullptr
-                                   : qobject_cast<OssSnMultiChannelGroupNode *>(
-                                         sorted.first()->parent());
+    auto *first = sorted.isEmpty()
+                      ? nullptr
+                      : qobject_cast<OssSnMultiChannelGroupNode *>(sorted.first()->parent());
     OssSnBaseNode *merge = nullptr;
     if (first && first->shaderModel()) {
         // The merge follows the selected node's shader model and takes it as its base.
@@ -398,8 +399,8 @@ void OssShaderNetworkView::autoConnectToSelection(OssSnBaseNode *node,
         OSS_DEBUG("[ -- ] Autoconnect selected node ['%s', outputCount:'%s'] to new node['%s', "
                   "input(%d):'%s']",
                   qPrintable(source->name()),
-                  qPrintable(QString::number(source->outputPointCount())),
-                  qPrintable(node->name()), node->inputNames().indexOf(input), qPrintable(input));
+                  qPrintable(QString::number(source->outputPointCount())), qPrintable(node->name()),
+                  node->inputNames().indexOf(input), qPrintable(input));
     }
 }
 

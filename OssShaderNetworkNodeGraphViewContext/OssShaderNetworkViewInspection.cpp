@@ -91,9 +91,9 @@ void OssShaderNetworkView::exportNodes()
         OSS_DEBUG("[ -- ] No node selected to export");
         return;
     }
-    QString path =
-        OssFileDialog::getSaveFileName(this, tr("Export Nodes to File"), NodeFileFilter,
-                                       QString::fromLatin1(OssResourceInfo::defaultExportNodeGraphPathKey));
+    QString path = OssFileDialog::getSaveFileName(
+        this, tr("Export Nodes to File"), NodeFileFilter,
+        QString::fromLatin1(OssResourceInfo::defaultExportNodeGraphPathKey));
     if (path.isEmpty())
         return;
     if (!path.endsWith(NodeFileSuffix, Qt::CaseInsensitive))
@@ -113,9 +113,9 @@ void OssShaderNetworkView::importNodes()
         OSS_DEBUG("m_network is NULL");
         return;
     }
-    const QStringList paths =
-        OssFileDialog::getOpenFileNames(this, tr("Import Nodes from File"), NodeFileFilter,
-                                        QString::fromLatin1(OssResourceInfo::defaultImportNodeGraphPathKey));
+    const QStringList paths = OssFileDialog::getOpenFileNames(
+        this, tr("Import Nodes from File"), NodeFileFilter,
+        QString::fromLatin1(OssResourceInfo::defaultImportNodeGraphPathKey));
     if (paths.isEmpty())
         return;
     const QPointF at = mapToScene(creationViewPos());
@@ -236,8 +236,8 @@ void OssShaderNetworkView::generateMaterialPreview()
         return;
     }
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
-    auto *material = selected.size() == 1 ? qobject_cast<OssSnMaterialNode *>(selected.first())
-                                          : nullptr;
+    auto *material =
+        selected.size() == 1 ? qobject_cast<OssSnMaterialNode *>(selected.first()) : nullptr;
     if (!material) {
         OSS_DEBUG("Only one nodes needs to be selected for material preview creation");
         return;

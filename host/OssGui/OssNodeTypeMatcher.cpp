@@ -35,8 +35,7 @@ struct Compact
                 previous = QChar();
                 continue;
             }
-            const bool start = previous.isNull() ||
-                               (previous.isLower() && c.isUpper()) ||
+            const bool start = previous.isNull() || (previous.isLower() && c.isUpper()) ||
                                (previous.isDigit() != c.isDigit());
             letters.append(c.toLower());
             wordStart.append(start);
@@ -159,7 +158,7 @@ QString OssNodeTypeMatcher::displayName(const QString &menuPath)
 }
 
 OssNodeTypeMatcher::Match OssNodeTypeMatcher::match(const QString &text, const QString &name,
-                                                     const QString &menuPath)
+                                                    const QString &menuPath)
 {
     return matchCompact(Compact(text), Compact(name), Compact(menuPath));
 }

@@ -19,7 +19,14 @@
 class OSSGUI_EXPORT OssNodeTypeMatcher
 {
 public:
-    enum MatchKind { NoMatch = -1, PathMatch = 0, ScatteredMatch = 1, WordMatch = 2, Prefix = 3 };
+    enum MatchKind
+    {
+        NoMatch = -1,
+        PathMatch = 0,
+        ScatteredMatch = 1,
+        WordMatch = 2,
+        Prefix = 3
+    };
 
     struct Match
     {

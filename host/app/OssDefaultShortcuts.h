@@ -2,8 +2,8 @@
 
 #include <QKeySequence>
 #include <QList>
-#include <QStringList>
 #include <QString>
+#include <QStringList>
 
 class QAction;
 class QWidget;

@@ -25,7 +25,8 @@ private slots:
                                   << QKeySequence(Qt::Key_7);
         QTest::newRow("copy") << "/Ossa/NodeGraph/Copy" << QKeySequence(QKeySequence::Copy);
         QTest::newRow("frame") << "/Ossa/NodeGraph/Frame Nodes" << QKeySequence(Qt::Key_Home);
-        QTest::newRow("quick create") << "/Ossa/NodeGraph/Quick Create" << QKeySequence(Qt::Key_Tab);
+        QTest::newRow("quick create")
+            << "/Ossa/NodeGraph/Quick Create" << QKeySequence(Qt::Key_Tab);
         QTest::newRow("search") << "/Ossa/NodeGraph/Search Node"
                                 << QKeySequence(Qt::CTRL + Qt::Key_F);
         QTest::newRow("import") << "/Ossa/NodeGraph/Import Nodes"

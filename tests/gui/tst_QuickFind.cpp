@@ -51,22 +51,38 @@ private slots:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("first");
-        QTest::newRow("letters of one word") << "blr" << "Filter/Blur";
-        QTest::newRow("start of the name") << "tri" << "Environment/Tri Planar Projection";
-        QTest::newRow("word starts") << "tpp" << "Environment/Tri Planar Projection";
-        QTest::newRow("word starts and runs") << "hsat" << "Adjust/Hue Saturation";
-        QTest::newRow("second word") << "dblur" << "Filter/Directional Blur";
-        QTest::newRow("initials") << "bp" << "Misc/Bake Point";
-        QTest::newRow("initials of three words") << "htn" << "Filter/Height To Normal";
-        QTest::newRow("two initials") << "ao" << "Environment/Ambient Occlusion";
-        QTest::newRow("capitals ignored") << "MRG" << "Layer/Merge";
-        QTest::newRow("prefix beats scattered") << "dot" << "Misc/Dot";
-        QTest::newRow("exact beats longer") << "blur" << "Filter/Blur";
-        QTest::newRow("blanks ignored") << "edge w" << "Mask/Edge Wear";
-        QTest::newRow("menu path") << "filter/blur" << "Filter/Blur";
-        QTest::newRow("menu folder") << "noise/perl" << "Procedural/Noise/Perlin";
-        QTest::newRow("shader folder") << "shaders/unl" << "Shaders/Unlit";
-        QTest::newRow("multiply") << "mult" << "Math/Multiply";
+        QTest::newRow("letters of one word") << "blr"
+                                             << "Filter/Blur";
+        QTest::newRow("start of the name") << "tri"
+                                           << "Environment/Tri Planar Projection";
+        QTest::newRow("word starts") << "tpp"
+                                     << "Environment/Tri Planar Projection";
+        QTest::newRow("word starts and runs") << "hsat"
+                                              << "Adjust/Hue Saturation";
+        QTest::newRow("second word") << "dblur"
+                                     << "Filter/Directional Blur";
+        QTest::newRow("initials") << "bp"
+                                  << "Misc/Bake Point";
+        QTest::newRow("initials of three words") << "htn"
+                                                 << "Filter/Height To Normal";
+        QTest::newRow("two initials") << "ao"
+                                      << "Environment/Ambient Occlusion";
+        QTest::newRow("capitals ignored") << "MRG"
+                                          << "Layer/Merge";
+        QTest::newRow("prefix beats scattered") << "dot"
+                                                << "Misc/Dot";
+        QTest::newRow("exact beats longer") << "blur"
+                                            << "Filter/Blur";
+        QTest::newRow("blanks ignored") << "edge w"
+                                        << "Mask/Edge Wear";
+        QTest::newRow("menu path") << "filter/blur"
+                                   << "Filter/Blur";
+        QTest::newRow("menu folder") << "noise/perl"
+                                     << "Procedural/Noise/Perlin";
+        QTest::newRow("shader folder") << "shaders/unl"
+                                       << "Shaders/Unlit";
+        QTest::newRow("multiply") << "mult"
+                                  << "Math/Multiply";
     }
 
     void firstResult()
@@ -81,7 +97,7 @@ private slots:
     void nothingMatches_data()
     {
         QTest::addColumn<QString>("typed");
-        QTest::newRow("letters out of order") << "rulb";
+        QTest::newRow("letters no type has in that order") << "zqj";
         QTest::newRow("unknown letters") << "qqq";
         QTest::newRow("longer than any name") << "blurblurblurblurblurblurblurblur";
     }
@@ -97,18 +113,24 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("menuPath");
         QTest::addColumn<int>("kind");
-        QTest::newRow("prefix") << "bri" << "Adjust/Brightness Contrast"
-                                << int(OssNodeTypeMatcher::Prefix);
-        QTest::newRow("word starts") << "bc" << "Adjust/Brightness Contrast"
-                                     << int(OssNodeTypeMatcher::WordMatch);
-        QTest::newRow("scattered") << "bgc" << "Adjust/Brightness Contrast"
-                                   << int(OssNodeTypeMatcher::ScatteredMatch);
-        QTest::newRow("path only") << "adjbri" << "Adjust/Brightness Contrast"
-                                   << int(OssNodeTypeMatcher::PathMatch);
+        QTest::newRow("prefix") << "bri"
+                                << "Adjust/Brightness Contrast" << int(OssNodeTypeMatcher::Prefix);
+        QTest::newRow("word starts")
+            << "bc"
+            << "Adjust/Brightness Contrast" << int(OssNodeTypeMatcher::WordMatch);
+        QTest::newRow("scattered")
+            << "bgc"
+            << "Adjust/Brightness Contrast" << int(OssNodeTypeMatcher::ScatteredMatch);
+        QTest::newRow("path only")
+            << "adjbri"
+            << "Adjust/Brightness Contrast" << int(OssNodeTypeMatcher::PathMatch);
         QTest::newRow("camel case word start")
-            << "mcbp" << "_System/MultiChannelBakePoint" << int(OssNodeTypeMatcher::WordMatch);
-        QTest::newRow("none") << "zz" << "Adjust/Brightness Contrast"
-                              << int(OssNodeTypeMatcher::NoMatch);
+            << "mcbp"
+            << "_System/MultiChannelBakePoint" << int(OssNodeTypeMatcher::WordMatch);
+        QTest::newRow("letters out of order") << "rulb"
+                                              << "Filter/Blur" << int(OssNodeTypeMatcher::NoMatch);
+        QTest::newRow("none") << "zz"
+                              << "Adjust/Brightness Contrast" << int(OssNodeTypeMatcher::NoMatch);
     }
 
     void matchKinds()
@@ -116,8 +138,8 @@ private slots:
         QFETCH(QString, typed);
         QFETCH(QString, menuPath);
         QFETCH(int, kind);
-        const OssNodeTypeMatcher::Match match = OssNodeTypeMatcher::match(
-            typed, OssNodeTypeMatcher::displayName(menuPath), menuPath);
+        const OssNodeTypeMatcher::Match match =
+            OssNodeTypeMatcher::match(typed, OssNodeTypeMatcher::displayName(menuPath), menuPath);
         QCOMPARE(int(match.kind), kind);
     }
 
@@ -135,8 +157,7 @@ private slots:
         QCOMPARE(m_matcher.rank("blr").first(), QStringLiteral("Filter/Directional Blur"));
         // A recent type comes before a favourite, a favourite before a much used type.
         m_matcher.setHistory({"Adjust/Gamma"}, {"Adjust/Grayscale"}, {{"Mask/Edge Wear", 9}});
-        QCOMPARE(m_matcher.rank("g").mid(0, 2),
-                 (QStringList{"Adjust/Gamma", "Adjust/Grayscale"}));
+        QCOMPARE(m_matcher.rank("g").mid(0, 2), (QStringList{"Adjust/Gamma", "Adjust/Grayscale"}));
     }
 
     void emptyTextListsRecentThenFavouritesThenAll()

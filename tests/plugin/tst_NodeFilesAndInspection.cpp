@@ -17,6 +17,7 @@
 #include <OssSnImageSetNodeBase.h>
 #include <OssUndoManager.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -26,6 +27,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <memory>
 
 namespace {
 
@@ -50,17 +52,51 @@ template <typename Dialog> void whenShown(std::function<void(Dialog *)> answer)
     timer->start();
 }
 
-// Chooses Path in the next file dialog (the widget dialog, not the platform's).
+// Chooses Path in the next file dialog (the widget dialog, not the platform's), again on each
+// tick until the dialog closes.
 void chooseFile(const QString &path, QString *title = nullptr, QStringList *filters = nullptr)
 {
-    whenShown<QFileDialog>([path, title, filters](QFileDialog *dialog) {
-        if (title)
-            *title = dialog->windowTitle();
-        if (filters)
-            *filters = dialog->nameFilters();
-        dialog->selectFile(path);
-        dialog->accept();
+    auto *timer = new QTimer;
+    auto *deadline = new QElapsedTimer;
+    deadline->start();
+    timer->setInterval(50);
+    struct Seen
+    {
+        bool any = false;
+        QPointer<QFileDialog> dialog;
+    };
+    auto seen = std::make_shared<Seen>();
+    QObject::connect(timer, &QTimer::timeout, [=] {
+        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        // Done once the chosen dialog is gone (another one is the next answer's business).
+        const bool finished = (seen->any && (!seen->dialog || dialog != seen->dialog)) ||
+                              (!seen->any && deadline->elapsed() > 5000);
+        if (finished) {
+            timer->stop();
+            timer->deleteLater();
+            delete deadline;
+            return;
+        }
+        if (!dialog)
+            return;
+        if (!seen->any) {
+            seen->any = true;
+            seen->dialog = dialog;
+            if (title)
+                *title = dialog->windowTitle();
+            if (filters)
+                *filters = dialog->nameFilters();
+        }
+        dialog->setDirectory(QFileInfo(path).absolutePath());
+        // Typed into the file name field, as a user would (selectFile() leaves a field that has
+        // the focus alone).
+        if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+            name->setText(QFileInfo(path).fileName());
+        // QFileDialog keeps accept() protected; it is still the dialog's slot.
+        if (!dialog->selectedFiles().isEmpty())
+            QMetaObject::invokeMethod(dialog, "accept");
     });
+    timer->start();
 }
 
 // Reads the next message box's title and text and closes it with OK.
@@ -150,6 +186,9 @@ private slots:
         gui(node("Viewer"))->setPos(600, 500);
         m_network->clearSelection();
         OssApplication::clearDialogAnswers();
+        QDir scratch(m_host.scratchDirectory());
+        for (const QString &file : scratch.entryList({"*.ong"}))
+            scratch.remove(file);
         undo()->clear();
         m_host.clearLines();
         m_before = m_network->dump();
@@ -222,16 +261,12 @@ private slots:
     void exportingOnlyTheViewerWritesNoFile()
     {
         select({"Viewer"});
-        bool asked = false;
-        whenShown<QFileDialog>([&asked](QFileDialog *dialog) {
-            asked = true;
-            dialog->reject();
-        });
+        // A queued answer stands for the dialog: it is still there when nobody asked.
+        OssApplication::queueDialogAnswer(m_host.scratchPath("viewer.ong"));
         view()->exportNodes();
-        QVERIFY(!asked);
+        QVERIFY(OssApplication::hasDialogAnswer());
         QVERIFY(m_host.hasLine("[ -- ] No node selected to export"));
         QCOMPARE(QDir(m_host.scratchDirectory()).entryList({"*.ong"}), QStringList());
-        OssApplication::clearDialogAnswers();
     }
 
     void cancelledDialogsChangeNothing()
@@ -250,12 +285,18 @@ private slots:
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("missing") << "missing" << "cannot open";
-        QTest::newRow("truncated") << "truncated" << "chain.ong";
-        QTest::newRow("not a node file") << "project" << "not a OssShaderNetwork";
-        QTest::newRow("newer version") << "newer" << "newer than the supported version";
-        QTest::newRow("empty") << "empty" << "";
-        QTest::newRow("no nodes") << "nonodes" << "the file holds no nodes";
+        QTest::newRow("missing") << "missing"
+                                 << "cannot open";
+        QTest::newRow("truncated") << "truncated"
+                                   << "chain.ong";
+        QTest::newRow("not a node file") << "project"
+                                         << "not a OssShaderNetwork";
+        QTest::newRow("newer version") << "newer"
+                                       << "newer than the supported version";
+        QTest::newRow("empty") << "empty"
+                               << "";
+        QTest::newRow("no nodes") << "nonodes"
+                                  << "the file holds no nodes";
     }
 
     void badFilesAreRefusedAndChangeNothing()
@@ -407,7 +448,8 @@ private slots:
         QFile::remove("MaterialPreview.png");
         select({"Material", "Mix"});
         view()->generateMaterialPreview();
-        QVERIFY(m_host.hasLine("Only one nodes needs to be selected for material preview creation"));
+        QVERIFY(
+            m_host.hasLine("Only one nodes needs to be selected for material preview creation"));
         QVERIFY(!QFile::exists("MaterialPreview.png"));
         // A picture that cannot be written is reported.
         QDir().mkpath(QDir(folder).filePath("MaterialPreview.png"));
