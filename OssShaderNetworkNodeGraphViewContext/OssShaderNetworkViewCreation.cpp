@@ -444,6 +444,9 @@ void OssShaderNetworkView::quickCreate()
     }
     dialog.move(at);
     dialog.exec();
+    // The keyboard goes back to the graph (some window managers leave it nowhere).
+    window()->activateWindow();
+    setFocus(Qt::OtherFocusReason);
 
     settings.setValue(FavouritesKey, dialog.favourites());
     const QString pathKey = dialog.chosenPathKey();

@@ -159,7 +159,10 @@ void OssShaderNetworkView::searchNodesAction()
     OSS_DEBUG("[ !! ] Found %d nodes in the network", nodes.size());
     OssSearchNodeDialog dialog(nodes, this);
     dialog.move(viewport()->mapToGlobal(creationViewPos()));
-    if (dialog.exec() != QDialog::Accepted)
+    const int answer = dialog.exec();
+    window()->activateWindow();
+    setFocus(Qt::OtherFocusReason);
+    if (answer != QDialog::Accepted)
         return;
     OssSnBaseNode *node = dialog.chosenNode();
     if (!node || node->network() != m_network)
