@@ -20,6 +20,7 @@
 #include <OssShaderNetworkManager.h>
 #include <OssShaderNetworkUtils.h>
 #include <OssSnBaseNode.h>
+#include <OssSnGroupNode.h>
 #include <OssSnMaterialNode.h>
 #include <OssSnMultiChannelBakePointNode.h>
 #include <OssSnMultiChannelGroupNode.h>
@@ -320,6 +321,23 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const 
         }
         backdropGui->refreshChildrenList();
     }
+    if (node->pathKey() == MergeKey)
+        setBlendingColorspaceOnMergeNodeCreation(node);
+    if (node->hasTag(QStringLiteral("_group"))) {
+        // A group made with merges inside sets their blending colour space as well.
+        auto *group = qobject_cast<OssSnGroupNode *>(node);
+        OssShaderNetwork *groupNetwork = group ? group->groupNetwork() : nullptr;
+        if (!group)
+            OSS_DEBUG("AsGroup is NULL");
+        else if (!groupNetwork)
+            OSS_DEBUG("GroupNetwork is NULL");
+        else
+            for (OssSnBaseNode *inner : groupNetwork->getAllNodes())
+                if (OssLayerStreamUtils::isMergeNode(inner))
+                    setBlendingColorspaceOnMergeNodeCreation(inner);
+    }
+    if (node->pathKey() == QLatin1String("_System/Shader Input"))
+        autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
     if (node->pathKey() == QLatin1String("_System/MultiChannelBakePoint") &&
         node->hasNodeAttribute(QStringLiteral("_reconfigureBakepoints")))
         if (auto *bakePoints = qobject_cast<OssSnMultiChannelBakePointNode *>(node)) {
@@ -498,6 +516,8 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAfterSelection(const QString &pat
         return nullptr;
     }
     insertIntoStreamAfter(node, upstream);
+    if (OssLayerStreamUtils::isMergeNode(node))
+        setBlendingColorspaceOnMergeNodeCreation(node);
     manuallyChanged();
     return node;
 }

@@ -105,9 +105,17 @@ void OssSnBaseNode::applyType(const OssSnNodeType &type)
 
 void OssSnBaseNode::setName(const QString &name, bool undoable)
 {
-    if (name == m_name || name.isEmpty())
+    if (name == m_name || name.trimmed().isEmpty())
         return;
-    pushOrRun(new OssSnValueCommand(QStringLiteral("Rename Node"), this, m_name, name,
+    // A name another node of the network holds is made unique ("Blur" becomes "Blur1"): the
+    // network finds its nodes by name, and two nodes under one name would shadow each other.
+    QString unique = name;
+    if (OssShaderNetwork *owner = network())
+        if (OssSnBaseNode *holder = owner->node(name); holder && holder != this)
+            unique = owner->generateUniqueNodeName(name);
+    if (unique == m_name)
+        return;
+    pushOrRun(new OssSnValueCommand(QStringLiteral("Rename Node"), this, m_name, unique,
                                     [](OssSnBaseNode *node, const QVariant &value) {
                                         node->setNameDirect(value.toString());
                                     }),
@@ -120,6 +128,11 @@ void OssSnBaseNode::setNameDirect(const QString &name)
         return;
     const QString old = m_name;
     m_name = name;
+    // Inside a network the name stays unique whatever path sets it (a script setting the
+    // property, an undo replaying a rename whose name was taken since).
+    if (OssShaderNetwork *owner = network())
+        if (OssSnBaseNode *holder = owner->node(name); holder && holder != this)
+            m_name = owner->generateUniqueNodeName(name);
     setObjectName(name);
     if (OssShaderNetwork *owner = network())
         owner->nodeRenamed(this, old);
@@ -989,6 +1002,14 @@ OssSerializableObject *OssSnBaseNode::onLoadSubObject(OssDeserializer &, const Q
 bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const QString &, int,
                                      const OssStringMap &attributes)
 {
+    if (name == QLatin1String("inputs") || name == QLatin1String("outputPoints") ||
+        name == QLatin1String("nodeAttributes")) {
+        // A second list of one kind replaces the first; say so rather than merge them.
+        if (m_readCollections.contains(name))
+            m_loadNotes.append(
+                QStringLiteral("it holds \"%1\" twice; the last one is used").arg(name));
+        m_readCollections.append(name);
+    }
     if (name == QLatin1String("inputs")) {
         m_loadingInputs.clear();
         m_preferredInput = attributes.value(QStringLiteral("preferred"));
@@ -1004,6 +1025,14 @@ bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const
         return true;
     }
     return false;
+}
+
+QStringList OssSnBaseNode::takeLoadNotes()
+{
+    m_readCollections.clear();
+    QStringList notes;
+    notes.swap(m_loadNotes);
+    return notes;
 }
 
 void OssSnBaseNode::onLoadCollectionObject(const QString &name, const QString &, const QString &,
@@ -1048,6 +1077,20 @@ void OssSnBaseNode::onEndCollection(const QString &name, const QString &, const 
         for (const QString &old : qAsConst(m_attributeOrder))
             if (!m_loadingAttributeOrder.contains(old))
                 removeUserAttribute(old, false);
-        m_attributeOrder = m_loadingAttributeOrder;
+        // The order names only attributes the node has: a name without a value (removed by an
+        // earlier list, or never saved) would come back on the next save with a default value.
+        QStringList order;
+        for (const QString &attribute : qAsConst(m_loadingAttributeOrder)) {
+            if (order.contains(attribute))
+                continue;
+            if (!exists(attribute)) {
+                m_loadNotes.append(
+                    QStringLiteral("attribute \"%1\" is listed without a value; dropped")
+                        .arg(attribute));
+                continue;
+            }
+            order.append(attribute);
+        }
+        m_attributeOrder = order;
     }
 }

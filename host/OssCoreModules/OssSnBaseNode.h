@@ -60,7 +60,7 @@ struct OssSnOutputLink
 // list, its description and the connections it had.
 struct OssSnTakenPort
 {
-    enum Kind
+    enum Kind : int
     {
         None,
         Input,
@@ -97,7 +97,7 @@ class OSSCOREMODULES_EXPORT OssSnBaseNode : public OssSerializableObject
 public:
     // How a placement request positions the node relative to its reference (grid steps for
     // the types in between).
-    enum NodeLayoutType
+    enum NodeLayoutType : int
     {
         LayoutAtFreeSpot = 0,
         LayoutBelow = 1,
@@ -286,6 +286,9 @@ public:
                                 const OssStringMap &attributes) override;
     void onEndCollection(const QString &name, const QString &type,
                          const QString &elementType) override;
+    // What reading the node found wrong and mended (each a sentence without the node's name);
+    // the network reports them with the node's name once the node is read, and forgets them.
+    QStringList takeLoadNotes();
 
     // Used by undo steps and the network: change the connection without checks or history.
     void setConnectionDirect(const QString &input, OssSnBaseNode *source,
@@ -387,6 +390,8 @@ private:
     QVector<OssSnNodeInput> m_loadingInputs;
     QVector<OssSnNodeOutputPoint> m_loadingOutputs;
     QStringList m_loadingAttributeOrder;
+    QStringList m_readCollections;
+    QStringList m_loadNotes;
 };
 
 Q_DECLARE_METATYPE(OssSnBaseNode *)

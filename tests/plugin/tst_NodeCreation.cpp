@@ -17,6 +17,7 @@
 #include <OssSnBaseNode.h>
 #include <OssSnMultiChannelGroupNode.h>
 #include <OssUndoManager.h>
+#include <OssUserEnum.h>
 
 #include <QAction>
 #include <QApplication>
@@ -538,6 +539,29 @@ private slots:
                 gui(node("Mix"))->sceneBoundingRect().bottom());
         QVERIFY(!collidesWithANode(gui(gamma)));
         checkOneStep(QStringLiteral("Create Node : Gamma"));
+    }
+
+    // A merge put in a stream that ends in a bake point blends in the bake's colour space; one
+    // made beside the stream does not.
+    void mergeInAStreamTakesItsBlendingFromBelow()
+    {
+        QVERIFY(m_host.createNodes(m_network, {{"Misc/Bake Point", "Bake"}}));
+        gui(node("Bake"))->setPos(150, 800);
+        QVERIFY(node("Bake")->connectInput("Input", node("Out"), "Output"));
+        const auto blending = [](OssSnBaseNode *merge) {
+            return OssUserEnum::fromString(
+                       merge->nodeAttributeValue("BlendColorSpaceEnabled").toString())
+                .currentValue();
+        };
+        select({"Out"});
+        typeAndChoose(QStringLiteral("merge"), Qt::ShiftModifier);
+        view()->quickCreate();
+        OssSnBaseNode *inStream = m_network->nodes().last();
+        QCOMPARE(node("Bake")->inputConnection("Input"), inStream);
+        QCOMPARE(blending(inStream), 1);
+        m_network->clearSelection();
+        OssSnBaseNode *beside = view()->createNodeAt("Layer/Merge", QPointF(-900, -900));
+        QCOMPARE(blending(beside), 0);
     }
 
     void shiftReturnWithoutSelectionCreatesAtTheCursor()
