@@ -8,6 +8,7 @@
 
 #include <OssActionTreeManager.h>
 #include <OssApplication.h>
+#include <OssCustomAttribute.h>
 #include <OssNgBackdropNode.h>
 #include <OssNgNode.h>
 #include <OssNodeQuickFindDialog.h>
@@ -17,7 +18,6 @@
 #include <OssSnBaseNode.h>
 #include <OssSnMultiChannelGroupNode.h>
 #include <OssUndoManager.h>
-#include <OssUserEnum.h>
 
 #include <QAction>
 #include <QApplication>
