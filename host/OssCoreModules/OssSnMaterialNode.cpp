@@ -10,6 +10,7 @@
 #include <QColor>
 #include <QImage>
 #include <QPainter>
+#include <QPointer>
 
 void OssSnMaterialNode::connectPreviewShaderNetwork()
 {
@@ -53,12 +54,34 @@ bool OssSnMaterialNode::importFromFile(const QString &path, QStringList *errors)
     if (errors)
         errors->append(scratch.loadWarnings());
     OssUndoManager::AutoMacro macro(QStringLiteral("Import Material"));
+    // The material's ports follow its inner input and output nodes, which the import replaces:
+    // the connections of ports the imported material has too are made again.
+    struct Link
+    {
+        QPointer<OssSnBaseNode> target;
+        QString input;
+        QPointer<OssSnBaseNode> source;
+        QString output;
+    };
+    QList<Link> links;
+    for (const QString &input : inputNames())
+        if (OssSnBaseNode *upstream = inputConnection(input))
+            links.append(Link{this, input, upstream, inputOutputPoint(input)});
+    for (const OssSnOutputLink &link : outputLinks())
+        if (link.target)
+            links.append(Link{link.target, link.input, this, link.outputPoint});
+    for (const Link &link : qAsConst(links))
+        link.target->disconnectInput(link.input);
     groupNetwork()->removeNodes(groupNetwork()->nodes());
     const QList<OssSnBaseNode *> nodes = scratch.nodes();
     for (OssSnBaseNode *node : nodes) {
         scratch.takeNodeDirect(node);
         groupNetwork()->insertNode(node);
     }
+    for (const Link &link : qAsConst(links))
+        if (link.target && link.source && link.target->hasInput(link.input) &&
+            link.source->hasOutputPoint(link.output))
+            link.target->connectInput(link.input, link.source, link.output);
     return true;
 }
 

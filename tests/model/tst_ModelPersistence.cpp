@@ -396,6 +396,41 @@ private slots:
         QCOMPARE(m_network->dump(), before);
         QCOMPARE(undo()->count(), steps);
     }
+
+    // Inputs A and B of a material, fed from outside; the archive has inputs B and C.
+    void importingAMaterialKeepsConnectionsOfInputsItKeepsAndUndoesExactly()
+    {
+        const auto makeMaterial = [this](const QStringList &inputs) {
+            auto *material =
+                qobject_cast<OssSnMaterialNode *>(m_network->createNode("_System/Material"));
+            for (const QString &input : inputs)
+                material->groupNetwork()->createNode(QStringLiteral("_System/Group Input"), input);
+            return material;
+        };
+        OssSnMaterialNode *source = makeMaterial({"B", "C"});
+        const QString path = m_host.scratchPath(QStringLiteral("inputs.oma"));
+        QString error;
+        QVERIFY2(source->exportToFile(path, &error), qPrintable(error));
+        OssSnMaterialNode *material = makeMaterial({"A", "B"});
+        QVERIFY(material->hasInput("A") && material->hasInput("B"));
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *grunge = m_network->createNode(QStringLiteral("Procedural/Noise/Grunge"));
+        QVERIFY(material->connectInput("A", noise, "Output"));
+        QVERIFY(material->connectInput("B", grunge, "Output"));
+        const QString before = m_network->dump();
+
+        QStringList errors;
+        QVERIFY2(material->importFromFile(path, &errors), qPrintable(errors.join('\n')));
+        QVERIFY(!material->hasInput("A"));
+        QVERIFY(material->hasInput("B") && material->hasInput("C"));
+        QCOMPARE(material->inputConnection("B"), grunge);
+        QVERIFY(!material->inputConnection("C"));
+        const QString after = m_network->dump();
+        undo()->undo();
+        QCOMPARE(m_network->dump(), before);
+        undo()->redo();
+        QCOMPARE(m_network->dump(), after);
+    }
 };
 
 QTEST_MAIN(tst_ModelPersistence)
