@@ -502,41 +502,6 @@ void OssShaderNetworkView::uniformariseContainers(const QList<OssSnBaseNode *> &
 
 // --- commands
 
-OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const QPointF &scenePos)
-{
-    if (!m_network) {
-        OSS_DEBUG("m_network is NULL");
-        return nullptr;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Create %1").arg(pathKey));
-    OssSnBaseNode *node = m_network->createNode(pathKey);
-    if (!node) {
-        macro.cancel();
-        return nullptr;
-    }
-    if (OssNgNode *gui = guiOf(node)) {
-        gui->setPos(scenePos - gui->boundingRect().center());
-        placeNode(node);
-    }
-    m_network->clearSelection();
-    node->setSelected(true);
-    emit nodeAdded(node);
-    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
-    return node;
-}
-
-OssSnBaseNode *OssShaderNetworkView::createNodeFromAction(QAction *action)
-{
-    if (!action)
-        return nullptr;
-    const QString pathKey = action->data().toString();
-    // At the cursor when it is over the view, else in the middle of what is shown.
-    const QPoint cursor = viewport()->mapFromGlobal(QCursor::pos());
-    const QPointF at =
-        viewport()->rect().contains(cursor) ? mapToScene(cursor) : viewportInSceneCoords().center();
-    return createNodeAt(pathKey, at);
-}
-
 OssSnBaseNode *OssShaderNetworkView::insertDotIntoEdge(OssNgEdge *edge)
 {
     if (!m_network || !edge || !edge->isFullConnected())

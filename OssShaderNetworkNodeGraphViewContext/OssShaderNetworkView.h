@@ -65,10 +65,12 @@ public:
     void settleContainersAround(OssSnBaseNode *container, const QRectF &oldRect);
 
     // --- commands
-    // Creates a node of the path key kept in the action's data, beside the selection or at the
-    // cursor, as one undo step.
-    OssSnBaseNode *createNodeFromAction(QAction *action);
+    // Creates a node of a path key centred on a scene point, as one undo step: moved off the
+    // nodes it overlaps, named uniquely, fed by the selected nodes (a backdrop wraps them
+    // instead) and then selected alone. Null when the node cannot be made.
     OssSnBaseNode *createNodeAt(const QString &pathKey, const QPointF &scenePos);
+    // Creates a node under the first selected node, fed by it, taking over what it fed.
+    OssSnBaseNode *createNodeAfterSelection(const QString &pathKey);
     // Puts a new dot node into an edge (the caller holds the undo macro).
     OssSnBaseNode *insertDotIntoEdge(OssNgEdge *edge);
     // Connects a node's preferred output to the viewer's input Number and shows it there.
@@ -132,6 +134,31 @@ public slots:
     void popupRenameWindow();
     void popupRenameWindow(OssNgNode *NodeToRename);
     void swapInputs();
+
+    // --- node creation at a view position (the cursor, or the middle of the view when the
+    // cursor is elsewhere, when not given), each one undo step
+    void createPaintableNode(QPoint NodeViewPos);
+    void createPaintableNode();
+    void createBakePointNode(QPoint NodeViewPos);
+    void createBakePointNode();
+    // A multi-channel merge fed by the first selected node when it has a shader model, else an
+    // ordinary merge.
+    void createMergeNode(QPoint NodeViewPos);
+    void createMergeNode();
+    // Creates the node of the path key in the action's data at the cursor; the node made.
+    OssSnBaseNode *createNodeFromAction(QAction *Action);
+    // Asks for a node type with the quick find dialog and creates it at the cursor.
+    void quickCreate();
+
+    // --- node files and inspection
+    void searchNodesAction();
+    void exportNodes();
+    void importNodes();
+    void printNodeInfo();
+    void dumpSelectedNodeInfo();
+    void dumpNodeUIAction();
+    void generateMaterialPreview();
+    void setImageSetByNameAction();
 
     // --- the selected nodes' GUI: a group's subgraph, the properties, the port lists
     void openGroupNodeSubgraph();
@@ -235,6 +262,13 @@ private:
     void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPointF *position);
     void batchSwapInputs(OssSnMultiChannelMergeNode *merge);
     void applyZoomAnchor();
+    // Where a command without a position creates: the cursor over the view, else its middle.
+    QPoint creationViewPos() const;
+    // Centres a new node on a scene point (moved off overlaps when Relocate), as an undo step.
+    void placeCreatedNode(OssSnBaseNode *node, const QPointF &scenePos, bool relocate);
+    void selectAlone(OssSnBaseNode *node);
+    void autoConnectToSelection(OssSnBaseNode *node, const QList<OssNgNode *> &sorted);
+    void insertIntoStreamAfter(OssSnBaseNode *node, OssSnBaseNode *upstream);
     // The undo step of a node drag, from m_nodeStartPositions to where the nodes are now.
     void recordNodeMoves();
     // The backdrop of a container node; logs and answers null when its GUI node is another kind.

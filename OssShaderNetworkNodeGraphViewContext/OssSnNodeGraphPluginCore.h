@@ -88,6 +88,17 @@ public slots:
     void updateSelectedBakePoints();
     void updateUpstreamBakePoints();
     void updateDownstreamBakePoints();
+    void quickCreate();
+    void searchNodesAction();
+    void createPaintableNode();
+    void printNodeInfo();
+    void importNodes();
+    void exportNodes();
+    // Reached by name only (the context menu and scripts); no action of their own.
+    void generateMaterialPreview();
+    void dumpSelectedNodeInfo();
+    void dumpNodeUIAction();
+    void setImageSetByNameAction();
 
 private slots:
     void createNodeCreationActions();

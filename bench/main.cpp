@@ -11,7 +11,10 @@
 
 #include <OssApplication.h>
 #include <OssDebug.h>
+#include <OssNodeQuickFindDialog.h>
+#include <OssNodeTypeMatcher.h>
 #include <OssSettings.h>
+#include <OssShaderNetworkManager.h>
 
 #include <QDir>
 #include <QGraphicsRectItem>
@@ -451,6 +454,49 @@ int main(int argc, char **argv)
         ours.tearDown();
         QFile::remove(path);
         QFile::remove(path + QStringLiteral(".xml"));
+
+        // Quick create's search, per keystroke while typing a type's name: the ranking over a
+        // catalogue of N types, against a plain substring filter of the same entries; and the
+        // dialog itself (ranking and list) over the shipped catalogue.
+        {
+            QStringList keys;
+            QStringList menuPaths;
+            const QStringList shipped = OssShaderNetworkManager::instance()->nodeGraphPathKeys();
+            for (int i = 0; i < size; ++i) {
+                const QString key = shipped.at(i % shipped.size());
+                const QString path = OssShaderNetworkManager::instance()->nodeMenuPath(key);
+                keys << QStringLiteral("%1/%2 %3")
+                            .arg(path.section('/', 0, -2))
+                            .arg(i)
+                            .arg(path.section('/', -1));
+                menuPaths << keys.last();
+            }
+            OssNodeTypeMatcher matcher;
+            matcher.setEntries(keys, menuPaths);
+            const QString typed = QStringLiteral("directional blur");
+            std::vector<double> ranked;
+            std::vector<double> plain;
+            for (int run = 0; run < runs; ++run)
+                for (int length = 1; length <= typed.size(); ++length) {
+                    const QString text = typed.left(length);
+                    ranked.push_back(elapsedMs([&] { matcher.rank(text); }));
+                    plain.push_back(elapsedMs([&] {
+                        QStringList shown;
+                        for (const QString &key : qAsConst(keys))
+                            if (key.contains(text, Qt::CaseInsensitive))
+                                shown << key;
+                    }));
+                }
+            results.push_back(Result{QStringLiteral("quick_find_keystroke"), size, median(ranked),
+                                     median(plain)});
+            OssNodeQuickFindDialog dialog({}, {}, 10, QPoint(), QSize(800, 600));
+            std::vector<double> dialogTimes;
+            for (int run = 0; run < runs; ++run)
+                for (int length = 0; length <= typed.size(); ++length)
+                    dialogTimes.push_back(elapsedMs([&] { dialog.setFilter(typed.left(length)); }));
+            results.push_back(Result{QStringLiteral("quick_find_dialog_keystroke"),
+                                     int(shipped.size()), median(dialogTimes), -1});
+        }
 
         // The node-graph library alone, for comparison with the whole system.
         for (size_t i = 1; !commandsOnly && i < scenarios.size(); ++i)

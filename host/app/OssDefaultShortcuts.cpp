@@ -51,6 +51,12 @@ const QHash<QString, QList<QKeySequence>> &table()
         add("Cycle Port List Mode", {QKeySequence(Qt::SHIFT + Qt::Key_P)});
         add("Zoom In", {QKeySequence(Qt::Key_Plus), QKeySequence(Qt::Key_Equal)});
         add("Zoom Out", {QKeySequence(Qt::Key_Minus)});
+        add("Quick Create", {QKeySequence(Qt::Key_Tab)});
+        add("Search Node", {QKeySequence(Qt::CTRL + Qt::Key_F)});
+        add("Create Paint Node", {QKeySequence(Qt::SHIFT + Qt::Key_N)});
+        add("Info Viewer", {QKeySequence(Qt::Key_I)});
+        add("Import Nodes", {QKeySequence(Qt::CTRL + Qt::Key_I)});
+        add("Export Nodes", {QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_E)});
         return map;
     }();
     return keys;
@@ -61,6 +67,13 @@ const QHash<QString, QList<QKeySequence>> &table()
 QList<QKeySequence> OssDefaultShortcuts::keysFor(const QString &identity)
 {
     return table().value(identity);
+}
+
+QStringList OssDefaultShortcuts::identities()
+{
+    QStringList names = table().keys();
+    names.sort();
+    return names;
 }
 
 bool OssDefaultShortcuts::apply(QAction *action, const QString &identity, QWidget *scope)

@@ -3,6 +3,7 @@
 #include <QKeySequence>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 class QAction;
 class QWidget;
@@ -15,6 +16,8 @@ class OssDefaultShortcuts
 public:
     // The default keys of an action identity; empty when it has none.
     static QList<QKeySequence> keysFor(const QString &identity);
+    // Every action identity that has default keys.
+    static QStringList identities();
     // Gives Action its default keys, working within Scope, unless it has keys already. True when
     // keys were given.
     static bool apply(QAction *action, const QString &identity, QWidget *scope);

@@ -25,6 +25,12 @@ private slots:
                                   << QKeySequence(Qt::Key_7);
         QTest::newRow("copy") << "/Ossa/NodeGraph/Copy" << QKeySequence(QKeySequence::Copy);
         QTest::newRow("frame") << "/Ossa/NodeGraph/Frame Nodes" << QKeySequence(Qt::Key_Home);
+        QTest::newRow("quick create")
+            << "/Ossa/NodeGraph/Quick Create" << QKeySequence(Qt::Key_Tab);
+        QTest::newRow("search") << "/Ossa/NodeGraph/Search Node"
+                                << QKeySequence(Qt::CTRL + Qt::Key_F);
+        QTest::newRow("import") << "/Ossa/NodeGraph/Import Nodes"
+                                << QKeySequence(Qt::CTRL + Qt::Key_I);
         QTest::newRow("none for another folder") << "/Ossa/Other/Delete" << QKeySequence();
     }
 
@@ -37,6 +43,19 @@ private slots:
             QVERIFY(keys.isEmpty());
         else
             QCOMPARE(keys.value(0), key);
+    }
+
+    // One key never stands for two actions.
+    void noKeyIsSharedByTwoActions()
+    {
+        QHash<QKeySequence, QString> owner;
+        for (const QString &identity : OssDefaultShortcuts::identities())
+            for (const QKeySequence &key : OssDefaultShortcuts::keysFor(identity)) {
+                QVERIFY2(!owner.contains(key), qPrintable(key.toString() + " is used by " +
+                                                          owner.value(key) + " and " + identity));
+                owner.insert(key, identity);
+            }
+        QVERIFY(owner.size() > 40);
     }
 
     // A key reaches the action while the focus is inside the node graph, not elsewhere; keys

@@ -139,6 +139,12 @@ QPointF savedPosition(const QString &path, const QString &node)
     return QPointF(position.captured(1).toDouble(), position.captured(2).toDouble());
 }
 
+// How often a project file names a node type (a rise means a node of it was added).
+int savedCount(const QString &path, const QString &pathKey)
+{
+    return readText(path).count(QStringLiteral("\"%1\"").arg(pathKey));
+}
+
 // Whether a project file holds a connection.
 bool hasConnection(const QString &path, const QString &target, const QString &input,
                    const QString &source)
@@ -466,6 +472,38 @@ private slots:
         }
         QVERIFY2(saved, "the saved project does not have Dirt_Soften between Rough_Clamp and "
                         "Shell_Surface");
+    }
+
+    // Tab opens quick create at the cursor; typed letters find the type, Return creates it
+    // there: a node made from the keyboard alone, kept by Ctrl+S.
+    void quickCreateFromTheKeyboard()
+    {
+        const QRect target = findColour(screen("before quick create"), Target);
+        QVERIFY(target.isValid());
+        // Empty canvas below Paint_Roughness: the click there leaves nothing selected.
+        const QPoint spot = target.center() + QPoint(0, 160);
+        xdotool({"mousemove", QString::number(spot.x()), QString::number(spot.y())});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        const int before = savedCount(m_first, QStringLiteral("Filter/Sharpen"));
+        xdotool({"key", "Tab"});
+        pause(800);
+        xdotool({"type", "--delay", "40", "shrp"});
+        pause(400);
+        screen("quick create typed");
+        xdotool({"key", "Return"});
+        pause(500);
+        screen("quick created");
+        xdotool({"key", "ctrl+s"});
+        QElapsedTimer clock;
+        clock.start();
+        int after = before;
+        while (after == before && clock.elapsed() < 8000) {
+            pause(200);
+            after = savedCount(m_first, QStringLiteral("Filter/Sharpen"));
+        }
+        QVERIFY2(after > before, "the saved project holds no new Sharpen node");
     }
 
     // Control + double-click on the group opens its subgraph in a tab of its own.
