@@ -1,6 +1,7 @@
 #include "OssShell.h"
 
 #include "OssMainWindow.h"
+#include "OssNodeGraphInspectionActions.h"
 #include "OssPluginHost.h"
 
 #include <OssApplication.h>
@@ -109,6 +110,7 @@ int ossRunShell(int argc, char **argv)
 
     OssPluginHost plugins;
     plugins.loadAll(OssPluginHost::pluginDirectory(parser.value(pluginDir)));
+    OssNodeGraphInspectionActions::file(plugins);
 
     OssMainWindow window(&plugins);
     // Offscreen there is no screen to fit: the picture is taken at the size of a common desktop
