@@ -1,5 +1,6 @@
 #include "OssSnUpgradeNodeCommand.h"
 
+#include "OssShaderNetworkCommands.h"
 #include "OssSnGroupNode.h"
 #include "OssSnNodeType.h"
 
@@ -78,6 +79,7 @@ OssSnUpgradeNodeCommand::State OssSnUpgradeNodeCommand::stateOf(const OssSnBaseN
 {
     State state;
     state.attributes = node->nodeAttributes();
+    state.attributeOrder = ossUserAttributeOrder(node);
     state.tags = node->tags();
     state.pathKey = node->pathKey();
     state.versionUuid = node->versionUUID();
@@ -92,6 +94,7 @@ void OssSnUpgradeNodeCommand::applyState(OssSnBaseNode *node, const State &state
 {
     if (state.attributes != node->nodeAttributes())
         node->setNodeAttributesDirect(state.attributes);
+    ossOrderUserAttributes(node, state.attributeOrder);
     node->setTags(state.tags);
     node->setPathKey(state.pathKey);
     node->setVersionUUID(state.versionUuid);

@@ -32,6 +32,7 @@ private:
     struct State
     {
         QList<OssCustomAttribute> attributes;
+        QStringList attributeOrder;
         QStringList tags;
         QString pathKey, versionUuid, hashCreated, hashPresent, date, description;
     };

@@ -60,7 +60,16 @@ private:
                     QApplication::activeModalWidget()->hide();
                 return;
             }
+            QPointer<QWidget> handled(widget);
             action(widget);
+            // An action that failed half-way leaves its window open: close it, so that the
+            // command returns and the test reports the failure.
+            QTimer::singleShot(5000, [handled] {
+                if (handled && handled->isVisible()) {
+                    timedOut() = true;
+                    handled->hide();
+                }
+            });
         });
         timer->start();
     }

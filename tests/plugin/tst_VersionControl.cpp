@@ -338,6 +338,7 @@ private slots:
         QFETCH(int, column);
         QFETCH(QString, active);
         setVersion(node("Zed"), "x1", "x1", "2025-01-01");
+        rebase();
         View view;
         QVERIFY(showView(view, {node("Zed")}));
         QString shownActive = QStringLiteral("unseen");
