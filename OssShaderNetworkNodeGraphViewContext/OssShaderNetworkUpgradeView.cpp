@@ -20,6 +20,7 @@
 namespace {
 
 const int NodeRole = Qt::UserRole;
+const int MaxStateColumnWidth = 170;
 
 QString emptyText()
 {
@@ -32,6 +33,8 @@ OssShaderNetworkUpgradeView::OssShaderNetworkUpgradeView(QWidget *parent) : QDia
 {
     setWindowTitle(tr("Node Version Control"));
     setMinimumSize(1024, 480);
+    // Room for the hash, the date and every state column on a common screen.
+    resize(1480, 600);
     auto *layout = new QVBoxLayout(this);
 
     m_tree = new QTreeWidget(this);
@@ -39,6 +42,8 @@ OssShaderNetworkUpgradeView::OssShaderNetworkUpgradeView(QWidget *parent) : QDia
     m_tree->setColumnCount(ColumnCount);
     m_tree->setHeaderLabels({tr("UUID"), tr("Hash"), tr("Date"), tr("Same"), tr("Different"),
                              tr("Older"), tr("Newer"), tr("Custom")});
+    // Paths are long: a cut one keeps its end, the node's name.
+    m_tree->setTextElideMode(Qt::ElideLeft);
     m_tree->setMouseTracking(true);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this,
@@ -93,8 +98,13 @@ void OssShaderNetworkUpgradeView::populateNodes(const QList<OssSnBaseNode *> &No
             addNodeRow(versionRow, node);
         versionRow->setExpanded(true);
     }
-    for (int column = 0; column < ColumnCount; ++column)
+    // Every state column stays in sight: a long path is cut rather than pushing the columns
+    // after it out of the window.
+    for (int column = 0; column < ColumnCount; ++column) {
         m_tree->resizeColumnToContents(column);
+        if (column >= SameColumn)
+            m_tree->setColumnWidth(column, qMin(m_tree->columnWidth(column), MaxStateColumnWidth));
+    }
 }
 
 void OssShaderNetworkUpgradeView::addNodeRow(QTreeWidgetItem *versionRow, OssSnBaseNode *node)
