@@ -3,6 +3,7 @@
 #include "OssMainWindow.h"
 #include "OssNodeGraphInspectionActions.h"
 #include "OssPluginHost.h"
+#include "OssTestDrop.h"
 
 #include <OssApplication.h>
 #include <OssDebug.h>
@@ -133,6 +134,7 @@ int ossRunShell(int argc, char **argv)
         OssProjectManager::instance()->newProject();
     }
     window.show();
+    ossScheduleTestDrop(&window);
 
     int exitCode = 0;
     if (parser.isSet(screenshot)) {
