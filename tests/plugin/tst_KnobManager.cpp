@@ -287,6 +287,72 @@ private slots:
         checkOneUndoStep(QStringLiteral("Creating Knobs"));
     }
 
+    void onlyTypedNodesWithAttributesAreOffered_data()
+    {
+        QTest::addColumn<QString>("pathKey");
+        QTest::addColumn<QString>("uuid");
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<bool>("offered");
+        QTest::newRow("typed node") << "Adjust/Gamma"
+                                    << ""
+                                    << "" << true;
+        QTest::newRow("untyped node") << "Adjust/Gamma"
+                                      << "-"
+                                      << "" << false;
+        QTest::newRow("untyped group-like node") << "Adjust/Gamma"
+                                                 << "-"
+                                                 << "_group" << true;
+        QTest::newRow("set vector") << "Misc/Set Vector"
+                                    << ""
+                                    << "" << false;
+        QTest::newRow("image set") << "Misc/Image Set"
+                                   << ""
+                                   << "" << false;
+        QTest::newRow("viewer") << "Adjust/Gamma"
+                                << ""
+                                << "_viewer" << false;
+        QTest::newRow("shader input") << "Adjust/Gamma"
+                                      << ""
+                                      << "_shaderInput" << false;
+        QTest::newRow("bottom transparency") << "Adjust/Gamma"
+                                             << ""
+                                             << "_bottomTransparency" << false;
+    }
+
+    void onlyTypedNodesWithAttributesAreOffered()
+    {
+        QFETCH(QString, pathKey);
+        QFETCH(QString, uuid);
+        QFETCH(QString, tag);
+        QFETCH(bool, offered);
+        OssSnBaseNode *candidate = inner()->createNode(pathKey, QStringLiteral("Candidate"));
+        QVERIFY(candidate);
+        if (uuid == QLatin1String("-"))
+            candidate->setVersionUUID(QString());
+        if (!tag.isEmpty())
+            candidate->addTag(tag);
+        // Attributes whose names start with "_" are never offered.
+        candidate->setNodeAttribute(QStringLiteral("_internal"), 1, false);
+        auto dialog = openDialog();
+        QVERIFY(dialog);
+        QStringList names;
+        QStringList attributes;
+        OssModalDriver::whenModal<OssEnterIgnorantDialog>([&](OssEnterIgnorantDialog *pick) {
+            QTreeWidget *pickTree = dialog->knobWidget()->pickTree();
+            for (int i = 0; i < pickTree->topLevelItemCount(); ++i)
+                names << pickTree->topLevelItem(i)->text(0);
+            for (QTreeWidgetItem *each : pickTree->findItems("Candidate", Qt::MatchExactly))
+                for (int i = 0; i < each->childCount(); ++i)
+                    attributes << each->child(i)->data(0, Qt::UserRole).toString();
+            QTest::mouseClick(standardButton(pick, QStringLiteral("Cancel")), Qt::LeftButton);
+        });
+        QTest::mouseClick(button(dialog.get(), QStringLiteral("Pick")), Qt::LeftButton);
+        QVERIFY(!OssModalDriver::timedOut());
+        QCOMPARE(names.contains(QStringLiteral("Candidate")), offered);
+        if (offered)
+            QCOMPARE(attributes, QStringList({"Gamma", "Inverse"}));
+    }
+
     void cancellingThePickChangesNothing()
     {
         auto dialog = openDialog();
