@@ -300,7 +300,10 @@ int OssShaderNetworkManager::upgradeNetworks(const QList<OssShaderNetwork *> &ne
     int upgraded = 0;
     for (OssShaderNetwork *network : networks)
         for (OssSnBaseNode *node : network->getAllNodes()) {
-<<<<<<< HEAD
+            // A custom procedural's definition is the archive it imported, not the installed
+            // type it was made from: upgrading would throw the imported definition away.
+            if (qobject_cast<OssSnCustomProceduralNode *>(node))
+                continue;
             const QString installed = hashStringForVersionUUID(node->versionUUID());
             if (installed.isEmpty() || node->versionHashPresent() == installed)
                 continue;
@@ -311,13 +314,6 @@ int OssShaderNetworkManager::upgradeNetworks(const QList<OssShaderNetwork *> &ne
                 continue;
             }
             if (upgradeNode(node))
-=======
-            // A custom procedural's definition is the archive it imported, not the installed
-            // type it was made from: upgrading would throw the imported definition away.
-            if (qobject_cast<OssSnCustomProceduralNode *>(node))
-                continue;
-            if (node->versionHashCreated() != node->versionHashPresent() && upgradeNode(node))
->>>>>>> main
                 ++upgraded;
         }
     return upgraded;
