@@ -195,6 +195,17 @@ public slots:
     // point, as the preference says (asking, changing or leaving them).
     static void autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(OssSnBaseNode *EndPointNode);
 
+    // --- version control and group knobs
+    // The version control window over the selected nodes of every level, over every node, or
+    // over the given nodes.
+    void upgradeSelectedNodeInfo();
+    void upgradeAllNodeInfo();
+    void upgradeNodeInfo(QList<OssSnBaseNode *> Nodes);
+    // The knob manager of the one selected group node.
+    void manageUserKnobs();
+    // Makes each attribute of the one selected node a knob of the group whose subgraph holds it.
+    void exposeNodeProperties();
+
     void onZoomToChanged();
     void allowViewUpdateChanged(bool AllowViewUpdate);
     void onProjectClosed();

@@ -76,6 +76,11 @@ public slots:
     void openNodeProperties();
     void togglePortVisibility();
     void cyclePortListMode();
+    void manageUserKnobs();
+    void exposeNodeProperties();
+    // No action fires these; scripts reach them by name.
+    void upgradeSelectedNodeInfo();
+    void upgradeAllNodeInfo();
     void toggleEdgeSeverAction();
     void ensureIsVisibleAction();
     void fitToViewAction();

@@ -455,9 +455,21 @@ QString OssShaderNetwork::dump() const
                          .arg(attribute.name(), attribute.prettyName(), attribute.typeName())
                          .arg(attribute.isVisible())
                          .arg(OssSerializer::variantToText(attribute.value()));
-        if (const auto *group = qobject_cast<const OssSnGroupNode *>(node))
+        lines << QStringLiteral("  version %1 created=%2 present=%3 date=%4")
+                     .arg(node->versionUUID(), node->versionHashCreated(),
+                          node->versionHashPresent(), node->versionDate());
+        if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
+            for (const QString &knob : group->nodeAttributeNames()) {
+                QStringList links;
+                for (const auto &link : group->knobLinks(knob))
+                    links << link.first->name() + QLatin1Char('.') + link.second;
+                if (!links.isEmpty())
+                    lines << QStringLiteral("  knob %1 -> %2")
+                                 .arg(knob, links.join(QLatin1Char(',')));
+            }
             for (const QString &line : group->groupNetwork()->dump().split(QLatin1Char('\n')))
                 lines << QStringLiteral("  | ") + line;
+        }
     }
     return lines.join(QLatin1Char('\n'));
 }

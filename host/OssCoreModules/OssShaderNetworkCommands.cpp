@@ -42,10 +42,38 @@ void OssSnValueCommand::undo()
         m_setter(m_node, m_old);
 }
 
+QStringList ossUserAttributeOrder(const OssSerializableObject *object)
+{
+    QStringList names;
+    if (object)
+        for (const OssCustomAttribute &attribute : object->userAttributes())
+            names.append(attribute.name());
+    return names;
+}
+
+void ossOrderUserAttributes(OssSerializableObject *object, const QStringList &names)
+{
+    if (!object || ossUserAttributeOrder(object) == names)
+        return;
+    // Taken out and put back quietly: the values do not change.
+    const QList<OssCustomAttribute> attributes = object->userAttributes();
+    QStringList order = names;
+    for (const OssCustomAttribute &attribute : attributes)
+        if (!order.contains(attribute.name()))
+            order.append(attribute.name());
+    for (const OssCustomAttribute &attribute : attributes)
+        object->removeUserAttribute(attribute.name(), false);
+    for (const QString &name : qAsConst(order))
+        for (const OssCustomAttribute &attribute : attributes)
+            if (attribute.name() == name)
+                object->setUserAttribute(attribute, false);
+}
+
 OssSnNodeAttributeCommand::OssSnNodeAttributeCommand(const QString &text, OssSnBaseNode *node,
                                                      const QList<OssCustomAttribute> &before,
                                                      const QList<OssCustomAttribute> &after)
-    : OssUndoCommand(text), m_node(node), m_before(before), m_after(after)
+    : OssUndoCommand(text), m_node(node), m_before(before), m_after(after),
+      m_orderBefore(ossUserAttributeOrder(node))
 {}
 
 namespace {
@@ -72,8 +100,10 @@ void OssSnNodeAttributeCommand::redo()
 
 void OssSnNodeAttributeCommand::undo()
 {
-    if (m_node)
-        applyAttributes(m_node, m_before);
+    if (!m_node)
+        return;
+    applyAttributes(m_node, m_before);
+    ossOrderUserAttributes(m_node, m_orderBefore);
 }
 
 OssSnInsertNodeCommand::OssSnInsertNodeCommand(OssShaderNetwork *network, OssSnBaseNode *node)

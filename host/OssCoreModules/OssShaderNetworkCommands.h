@@ -50,6 +50,13 @@ private:
     Setter m_setter;
 };
 
+// The names of an object's user attributes in their order.
+OSSCOREMODULES_EXPORT QStringList ossUserAttributeOrder(const OssSerializableObject *object);
+// Puts an object's user attributes in the order of Names (those it does not name follow in their
+// order); values stay. Undo steps use it to give back the exact attribute list.
+OSSCOREMODULES_EXPORT void ossOrderUserAttributes(OssSerializableObject *object,
+                                                  const QStringList &names);
+
 // The whole ordered node-attribute list of a node, before and after.
 class OSSCOREMODULES_EXPORT OssSnNodeAttributeCommand : public OssUndoCommand
 {
@@ -63,6 +70,8 @@ public:
 private:
     QPointer<OssSnBaseNode> m_node;
     QList<OssCustomAttribute> m_before, m_after;
+    // The order of all the node's user attributes before, which undo gives back too.
+    QStringList m_orderBefore;
 };
 
 // Puts a node into a network (redo) or takes it out (undo). While its undo has the node out of

@@ -22,6 +22,7 @@
 #include "OssSnNodeTypeCatalogue.h"
 #include "OssSnReceiverTeleportNode.h"
 #include "OssSnUINode.h"
+#include "OssSnUpgradeNodeCommand.h"
 #include "OssSnViewerNode.h"
 
 #include <OssDebug.h>
@@ -257,44 +258,43 @@ QList<QObject *> OssShaderNetworkManager::globalContextMenuObjects() const
     return actions;
 }
 
-bool OssShaderNetworkManager::upgradeNode(OssSnBaseNode *node)
+namespace {
+
+const OssSnNodeType *installedDefinition(const OssSnBaseNode *node)
 {
-    if (!node)
-        return false;
     const OssSnNodeType *type =
         OssSnNodeTypeCatalogue::instance()->typeForVersionUuid(node->versionUUID());
     if (!type && !node->pathKey().isEmpty())
         type = OssSnNodeTypeCatalogue::instance()->type(node->pathKey());
+    return type;
+}
+
+} // namespace
+
+bool OssShaderNetworkManager::upgradeNode(OssSnBaseNode *node, bool undoable)
+{
+    if (!node)
+        return false;
+    const OssSnNodeType *type = installedDefinition(node);
     if (!type) {
         OSS_DEBUG("[ !! ] Cannot upgrade node '%s': no installed definition",
                   qPrintable(node->path()));
         return false;
     }
-    for (const OssSnNodeTypePort &port : type->inputs)
-        if (!node->hasInput(port.name))
-            node->addInput(port.name, port.type, port.tags);
-    for (const OssSnNodeTypePort &port : type->outputs)
-        if (!node->hasOutputPoint(port.name))
-            node->addOutputPoint(port.name, port.type);
-    // A value the node already holds (an old file keeps its attributes as plain user
-    // attributes) stays; only what is missing gets the type's default.
-    for (const OssSnNodeTypeAttribute &attribute : type->attributes)
-        if (!node->hasNodeAttribute(attribute.name))
-            node->setNodeAttribute(attribute.name,
-                                   node->exists(attribute.name)
-                                       ? node->userAttribute(attribute.name).value()
-                                       : attribute.defaultValue,
-                                   false);
-    for (const QString &tag : type->tags)
-        node->addTag(tag);
-    if (node->pathKey().isEmpty())
-        node->setPathKey(type->pathKey);
-    node->setVersionUUID(type->versionUuid);
-    node->setVersionHashCreated(type->hash);
-    node->setVersionDate(type->date);
-    node->setDescription(type->description);
-    emit node->nodeRefreshed();
+    auto *step = new OssSnUpgradeNodeCommand(node, *type);
+    if (undoable && !OssUndoManager::instance()->isReplaying()) {
+        OssUndoManager::instance()->addUndo(step);
+    } else {
+        step->redo();
+        delete step;
+    }
     return true;
+}
+
+QStringList OssShaderNetworkManager::upgradeLostConnections(const OssSnBaseNode *node) const
+{
+    const OssSnNodeType *type = node ? installedDefinition(node) : nullptr;
+    return type ? OssSnUpgradeNodeCommand::lostConnections(node, *type) : QStringList();
 }
 
 int OssShaderNetworkManager::upgradeNetworks(const QList<OssShaderNetwork *> &networks)
@@ -306,7 +306,16 @@ int OssShaderNetworkManager::upgradeNetworks(const QList<OssShaderNetwork *> &ne
             // type it was made from: upgrading would throw the imported definition away.
             if (qobject_cast<OssSnCustomProceduralNode *>(node))
                 continue;
-            if (node->versionHashCreated() != node->versionHashPresent() && upgradeNode(node))
+            const QString installed = hashStringForVersionUUID(node->versionUUID());
+            if (installed.isEmpty() || node->versionHashPresent() == installed)
+                continue;
+            if (!upgradeLostConnections(node).isEmpty()) {
+                OSS_DEBUG("[ !! ] Node '%s' keeps its definition: upgrading it would drop "
+                          "connections",
+                          qPrintable(node->path()));
+                continue;
+            }
+            if (upgradeNode(node))
                 ++upgraded;
         }
     return upgraded;

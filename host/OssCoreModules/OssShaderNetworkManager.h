@@ -89,13 +89,19 @@ public:
     bool attributeSmartLinkingEnabled() const { return m_smartLinking; }
     void setAttributeSmartLinkingEnabled(bool enabled) { m_smartLinking = enabled; }
 
-    // Brings a node up to the installed definition of its version UUID: adds missing inputs,
-    // outputs and attributes, keeps values and connections, and records the present hash.
-    // An attribute the node holds only as a plain user attribute (an old backdrop's title and
-    // colour) becomes one of its attributes with its value kept, not the type's default, so
-    // that an upgraded backdrop looks as it was saved.
-    bool upgradeNode(OssSnBaseNode *node);
-    // Upgrades every node of every known network; the count of upgraded nodes.
+    // Brings a node up to the installed definition of its version UUID (of its path key when
+    // the UUID has none): adds missing inputs, outputs and attributes, takes out the ports the
+    // definition lacks (with their connections; a group keeps its own), keeps values, and
+    // records the definition's hashes and date. An attribute the node holds only as a plain
+    // user attribute (an old backdrop's title and colour) becomes one of its attributes with
+    // its value kept, not the type's default, so that an upgraded backdrop looks as it was
+    // saved. An undo step when Undoable; otherwise a direct change (loading). False when there
+    // is no installed definition.
+    bool upgradeNode(OssSnBaseNode *node, bool undoable = false);
+    // The connections upgradeNode would drop ("node.input <- source.output"); empty when none.
+    QStringList upgradeLostConnections(const OssSnBaseNode *node) const;
+    // Upgrades every node of every known network whose definition differs from the installed
+    // one; a node that would lose connections keeps its definition. The count of upgraded nodes.
     int upgradeNetworks(const QList<OssShaderNetwork *> &networks);
     // Replaces a node by a new node of another type, keeping name, matching connections and
     // matching attribute values (one undo step). The new node, or null.

@@ -100,6 +100,10 @@ void OssSnBaseNode::applyType(const OssSnNodeType &type)
     }
     m_versionUuid = type.versionUuid;
     m_versionHashCreated = type.hash;
+    // Until it is set (by loading a saved node or by an upgrade) the present hash is the one
+    // the node was created with; a project saved before nodes kept it loads that way too.
+    m_versionHashPresent.clear();
+    m_hasVersionHashPresent = false;
     m_versionDate = type.date;
 }
 
@@ -871,11 +875,6 @@ QString OssSnBaseNode::nodeAttributeNameAsUserAttributeName(const QString &attri
 }
 
 // --- versions
-
-QString OssSnBaseNode::versionHashPresent() const
-{
-    return OssSnNodeTypeCatalogue::instance()->hashForVersionUuid(m_versionUuid);
-}
 
 bool OssSnBaseNode::versionDateLT(const QString &a, const QString &b)
 {

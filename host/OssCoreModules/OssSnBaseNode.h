@@ -92,6 +92,7 @@ class OSSCOREMODULES_EXPORT OssSnBaseNode : public OssSerializableObject
     Q_PROPERTY(bool bypassed READ bypassed WRITE setBypassedDirect)
     Q_PROPERTY(QString versionUUID READ versionUUID WRITE setVersionUUID)
     Q_PROPERTY(QString versionHashCreated READ versionHashCreated WRITE setVersionHashCreated)
+    Q_PROPERTY(QString versionHashPresent READ versionHashPresent WRITE setVersionHashPresent)
     Q_PROPERTY(QString versionDate READ versionDate WRITE setVersionDate)
     Q_PROPERTY(QStringList tags READ tags WRITE setTags)
 public:
@@ -256,8 +257,21 @@ public:
     void setVersionUUID(const QString &uuid) { m_versionUuid = uuid; }
     QString versionHashCreated() const { return m_versionHashCreated; }
     void setVersionHashCreated(const QString &hash) { m_versionHashCreated = hash; }
-    // The hash of the installed definition of this node's version UUID ("" when none).
-    QString versionHashPresent() const;
+    // The hash of the definition the node has now. It is the node's own, saved with it, and
+    // not the installed definition's (OssShaderNetworkManager::hashStringForVersionUUID): the
+    // two differ for a node made from an older or newer definition, or changed since, and the
+    // version control compares them. Until it is set, it is the hash the node was created
+    // with: a new node, and a node saved before nodes kept their own, have the definition they
+    // were created from.
+    QString versionHashPresent() const
+    {
+        return m_hasVersionHashPresent ? m_versionHashPresent : m_versionHashCreated;
+    }
+    void setVersionHashPresent(const QString &hash)
+    {
+        m_versionHashPresent = hash;
+        m_hasVersionHashPresent = true;
+    }
     QString versionDate() const { return m_versionDate; }
     void setVersionDate(const QString &date) { m_versionDate = date; }
     // Orders ISO dates; an empty date is older than any other.
@@ -385,6 +399,8 @@ private:
     OssSnBaseNodeCacheActiveState m_cacheActive = OssSnCacheInactive;
     QString m_versionUuid;
     QString m_versionHashCreated;
+    QString m_versionHashPresent;
+    bool m_hasVersionHashPresent = false;
     QString m_versionDate;
     // Collections being read back.
     QVector<OssSnNodeInput> m_loadingInputs;

@@ -248,9 +248,12 @@ bool OssSnGroupNode::saveObjects(OssSerializer &serializer)
     QList<OssStringMap> links;
     for (const QString &knob : nodeAttributeNames())
         for (const auto &link : knobLinks(knob))
-            links.append(OssStringMap{{QStringLiteral("knob"), knob},
-                                      {QStringLiteral("node"), link.first->name()},
-                                      {QStringLiteral("attribute"), link.second}});
+            // A link to a node taken out of the subnetwork (a broken knob) is not saved: the
+            // name could match another node when read back.
+            if (link.first->network() == m_groupNetwork)
+                links.append(OssStringMap{{QStringLiteral("knob"), knob},
+                                          {QStringLiteral("node"), link.first->name()},
+                                          {QStringLiteral("attribute"), link.second}});
     serializer.beginCollection(QStringLiteral("knobLinks"), links.size(), QStringLiteral("QList"),
                                QStringLiteral("OssKnobLink"), OssStringMap());
     for (const OssStringMap &link : qAsConst(links))

@@ -1,6 +1,7 @@
 #include "OssShell.h"
 
 #include "OssMainWindow.h"
+#include "OssNodeGraphInspectionActions.h"
 #include "OssPluginHost.h"
 #include "OssShellScripting.h"
 #include "OssTestDrop.h"
@@ -135,6 +136,7 @@ int ossRunShell(int argc, char **argv)
 
     OssPluginHost plugins;
     plugins.loadAll(OssPluginHost::pluginDirectory(parser.value(pluginDir)));
+    OssNodeGraphInspectionActions::file(plugins);
 
     OssMainWindow window(&plugins);
     OssShellScripting::installConsole(window);
