@@ -15,9 +15,9 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
-// Long seeded sequences of every kind of edit the model offers, in root and group networks,
-// undone completely and redone completely: each step must give back exactly the state it left.
-// OSS_UNDO_SEED and OSS_UNDO_STEPS choose another sequence and OSS_UNDO_CHECKPOINT compares
+// Long seeded sequences of every kind of edit the model offers (knobs included), in root and group
+// networks, undone completely and redone completely: each step must give back exactly the state it
+// left. OSS_UNDO_SEED and OSS_UNDO_STEPS choose another sequence and OSS_UNDO_CHECKPOINT compares
 // only every n-th step (scripts/undo-model.sh runs 10,000 steps so). A failure names the seed
 // and the shortest failing prefix.
 class tst_UndoModel : public QObject
@@ -54,7 +54,7 @@ private:
                                       "Adjust/Levels",    "Procedural/Pattern/Checker"};
         OssShaderNetwork *network = pickNetwork(root, random);
         const QList<OssSnBaseNode *> nodes = network->nodes();
-        const int kind = nodes.size() < 3 ? 0 : int(random.bounded(14));
+        const int kind = nodes.size() < 3 ? 0 : int(random.bounded(15));
         OssSnBaseNode *a = nodes.isEmpty() ? nullptr : nodes.at(random.bounded(nodes.size()));
         OssSnBaseNode *b = nodes.isEmpty() ? nullptr : nodes.at(random.bounded(nodes.size()));
         switch (kind) {
@@ -119,11 +119,47 @@ private:
             else if (auto *procedural = qobject_cast<OssSnCustomProceduralNode *>(a))
                 procedural->importFromFile(m_proceduralArchive);
             return QStringLiteral("import archive");
+        case 13:
+            if (auto *group = qobject_cast<OssSnGroupNode *>(a))
+                return editKnobs(group, random);
+            return QStringLiteral("knob");
         default:
             // A new attribute, or a new value of one made earlier.
             a->setNodeAttribute(QStringLiteral("Note%1").arg(random.bounded(3)),
                                 QStringLiteral("n%1").arg(random.bounded(1000)));
             return QStringLiteral("new attribute");
+        }
+    }
+
+    // A knob made, changed, linked or deleted on a group.
+    static QString editKnobs(OssSnGroupNode *group, QRandomGenerator &random)
+    {
+        QStringList knobs;
+        for (const QString &name : group->nodeAttributeNames())
+            if (!OssSnGroupNode::getAttributeGroupName(name).isEmpty())
+                knobs << name;
+        const QList<OssSnBaseNode *> inner = group->groupNetwork()->nodes();
+        switch (knobs.isEmpty() ? 0 : random.bounded(4)) {
+        case 0:
+            if (!inner.isEmpty()) {
+                OssSnBaseNode *node = inner.at(random.bounded(inner.size()));
+                if (!node->nodeAttributeNames().isEmpty())
+                    group->createKnob(node, node->nodeAttributeNames().at(
+                                                random.bounded(node->nodeAttributeNames().size())));
+            }
+            return QStringLiteral("create knob");
+        case 1:
+            group->setNodeAttribute(knobs.at(random.bounded(knobs.size())),
+                                    QVariant(double(random.bounded(50))));
+            return QStringLiteral("knob value");
+        case 2:
+            if (knobs.size() >= 2)
+                group->linkKnobs(QStringLiteral("Linked%1").arg(random.bounded(100)),
+                                 knobs.mid(0, 2));
+            return QStringLiteral("link knobs");
+        default:
+            group->deleteAttribute(knobs.at(random.bounded(knobs.size())));
+            return QStringLiteral("delete knob");
         }
     }
 
@@ -192,6 +228,16 @@ private:
         }
         if (times)
             *times = {editing, undoing, redoing, last};
+        // Which kinds of edit the sequence made, so that a sequence that never reaches one is
+        // seen.
+        QMap<QString, int> made;
+        for (const QString &kind : qAsConst(kinds))
+            if (!kind.isEmpty())
+                ++made[kind];
+        QStringList counts;
+        for (auto it = made.cbegin(); it != made.cend(); ++it)
+            counts << QStringLiteral("%1 %2").arg(it.key()).arg(it.value());
+        qInfo("seed %u: %s", seed, qPrintable(counts.join(QStringLiteral(", "))));
         return true;
     }
 
