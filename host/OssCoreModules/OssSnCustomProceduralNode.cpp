@@ -33,7 +33,7 @@ public:
         for (const OssCustomAttribute &attribute : node->nodeAttributes())
             m_before.attributes.append(OssSnNodeTypeAttribute{
                 attribute.name(), attribute.prettyName(), attribute.typeName(), attribute.value(),
-                attribute.isVisible()});
+                attribute.isVisible(), {}, {}});
         m_before.versionUuid = node->versionUUID();
         m_before.hash = node->versionHashCreated();
         m_before.date = node->versionDate();
