@@ -23,6 +23,7 @@
 #include <QAction>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QIntValidator>
 #include <QLineEdit>
 #include <QMap>

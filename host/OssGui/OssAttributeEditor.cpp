@@ -10,6 +10,8 @@
 #include <OssSnNodeTypeCatalogue.h>
 #include <OssStatusManager.h>
 
+#include <QHash>
+#include <QKeyEvent>
 #include <QLineEdit>
 
 namespace {
@@ -54,7 +56,7 @@ OssAttributeSpec::Kind OssAttributeSpec::kindOfType(const QString &type)
 
 OssAttributeSpec::Kind OssAttributeSpec::kindOfValue(const QVariant &value)
 {
-    switch (static_cast<int>(value.type())) {
+    switch (value.userType()) {
     case QMetaType::Bool:
         return Bool;
     case QMetaType::Int:
@@ -122,6 +124,25 @@ void OssAttributeEditor::setRefused(QLineEdit *field, const QString &reason)
     field->setStyleSheet(reason.isEmpty() ? QString()
                                           : QStringLiteral("QLineEdit { background-color: "
                                                            "#b03030; color: white; }"));
+}
+
+void OssAttributeEditor::passUndoKeys(QLineEdit *field)
+{
+    field->installEventFilter(this);
+}
+
+bool OssAttributeEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *field = qobject_cast<QLineEdit *>(watched);
+    if (field && event->type() == QEvent::ShortcutOverride && !field->isModified() &&
+        !isRefused(field)) {
+        auto *key = static_cast<QKeyEvent *>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void OssAttributeEditor::reportClamped(const QString &typed, const QString &kept,

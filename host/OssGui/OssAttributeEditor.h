@@ -70,6 +70,11 @@ signals:
     void edited(const QVariant &value, bool final);
 
 protected:
+    // Lets the host's undo and redo keys through a field whose text is the attribute's value,
+    // so Ctrl+Z right after an entry undoes that entry's step; a field being typed in keeps
+    // them for its own text.
+    void passUndoKeys(QLineEdit *field);
+    bool eventFilter(QObject *watched, QEvent *event) override;
     // Tells the user, in the status line, that a typed value was brought into range.
     void reportClamped(const QString &typed, const QString &kept, bool aboveMaximum) const;
 

@@ -56,7 +56,9 @@ OssColor toOssColor(const QVariant &value)
 OssBoolAttributeEditor::OssBoolAttributeEditor(const OssAttributeSpec &spec, QWidget *parent)
     : OssAttributeEditor(spec, parent), m_box(new QCheckBox(this))
 {
-    rowLayout(this)->addWidget(m_box);
+    QHBoxLayout *layout = rowLayout(this);
+    layout->addWidget(m_box);
+    layout->addStretch(1);
     connect(m_box, &QCheckBox::clicked, this, [this](bool checked) { emit edited(checked, true); });
 }
 
@@ -130,6 +132,7 @@ OssColorAttributeEditor::OssColorAttributeEditor(const OssAttributeSpec &spec, Q
     m_field->setObjectName(QStringLiteral("value"));
     layout->addWidget(m_swatch);
     layout->addWidget(m_field, 1);
+    passUndoKeys(m_field);
     connect(m_swatch, &QToolButton::clicked, this, &OssColorAttributeEditor::chooseColor);
     connect(m_field, &QLineEdit::editingFinished, this,
             &OssColorAttributeEditor::onEditingFinished);
@@ -208,6 +211,7 @@ OssVectorAttributeEditor::OssVectorAttributeEditor(const OssAttributeSpec &spec,
         field->setObjectName(axis);
         field->setPlaceholderText(axis);
         layout->addWidget(field, 1);
+        passUndoKeys(field);
         connect(field, &QLineEdit::editingFinished, this,
                 &OssVectorAttributeEditor::onEditingFinished);
         m_fields.append(field);
@@ -247,6 +251,8 @@ void OssVectorAttributeEditor::onEditingFinished()
     }
     if (!allNumbers)
         return;
+    for (int axis = 0; axis < m_fields.size(); ++axis)
+        m_fields.at(axis)->setText(parts.at(axis));
     const QString text = parts.join(QLatin1Char(' '));
     if (text == m_value)
         return;
@@ -262,6 +268,7 @@ OssStringAttributeEditor::OssStringAttributeEditor(const OssAttributeSpec &spec,
     QHBoxLayout *layout = rowLayout(this);
     m_field->setObjectName(QStringLiteral("value"));
     layout->addWidget(m_field, 1);
+    passUndoKeys(m_field);
     connect(m_field, &QLineEdit::editingFinished, this, [this] { commit(m_field->text()); });
     if (spec.kind == OssAttributeSpec::FilePath) {
         m_browse = new QToolButton(this);
@@ -304,10 +311,10 @@ void OssStringAttributeEditor::browse()
 
 void OssStringAttributeEditor::commit(const QString &text)
 {
+    m_field->setText(text);
     if (text == m_value)
         return;
     m_value = text;
-    m_field->setText(text);
     emit edited(text, true);
 }
 

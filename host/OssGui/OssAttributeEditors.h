@@ -2,13 +2,13 @@
 
 #include "OssAttributeEditor.h"
 
+#include <QColorDialog>
+#include <QFileDialog>
 #include <QPointer>
 #include <QStringList>
 
 class QCheckBox;
-class QColorDialog;
 class QComboBox;
-class QFileDialog;
 class QLineEdit;
 class QToolButton;
 

@@ -2,6 +2,7 @@
 
 #include "OssAttributeEditor.h"
 
+#include <OssCustomAttribute.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBaseNode.h>
 #include <OssUndoManager.h>
@@ -31,7 +32,7 @@ OssNodePropertyEditor::OssNodePropertyEditor(OssSnBaseNode *node,
 {
     if (!node)
         return;
-    if (options.title.isEmpty())
+    if (options.title.isEmpty() && heading())
         connect(node, &OssSnBaseNode::nameChanged, heading(), &OssExpandableListHeading::setText);
     connect(node, &OssSnBaseNode::nodeAttributeChanged, this,
             &OssNodePropertyEditor::onAttributeChanged);
@@ -42,6 +43,11 @@ OssNodePropertyEditor *OssNodePropertyEditor::create(OssSnBaseNode *node, QWidge
                                                      const OssNodePropertyEditorOptions &options)
 {
     return node ? new OssNodePropertyEditor(node, options, parent) : nullptr;
+}
+
+OssSnBaseNode *OssNodePropertyEditor::node() const
+{
+    return m_node;
 }
 
 OssAttributeEditor *OssNodePropertyEditor::editor(const QString &attributeName) const

@@ -50,7 +50,7 @@ public:
     static OssNodePropertyEditor *create(OssSnBaseNode *node, QWidget *parent,
                                          const OssNodePropertyEditorOptions &options = {});
 
-    OssSnBaseNode *node() const { return m_node; }
+    OssSnBaseNode *node() const;
     OssAttributeEditor *editor(const QString &attributeName) const;
     // In the order they are shown.
     QList<OssAttributeEditor *> editors() const { return m_order; }

@@ -25,6 +25,7 @@ OssNumberAttributeEditor::OssNumberAttributeEditor(const OssAttributeSpec &spec,
     m_slider->setObjectName(QStringLiteral("slider"));
     layout->addWidget(m_field);
     layout->addWidget(m_slider, 1);
+    passUndoKeys(m_field);
     if (spec.minimum.isValid())
         m_low = spec.minimum.toDouble();
     if (spec.maximum.isValid())

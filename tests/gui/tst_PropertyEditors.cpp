@@ -20,6 +20,7 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QImage>
 #include <QLineEdit>
@@ -351,14 +352,15 @@ void tst_PropertyEditors::colorDialog()
     QVERIFY(editor);
     QTest::mouseClick(editor->swatch(), Qt::LeftButton);
     QTRY_VERIFY(editor->dialog() && editor->dialog()->isVisible());
-    QCOMPARE(editor->dialog()->currentColor(),
-             OssColor(0.55, 0.22, 0.14, 1).toQColor());
+    QCOMPARE(editor->dialog()->currentColor().rgba(),
+             OssColor(0.55, 0.22, 0.14, 1).toQColor().rgba());
     editor->dialog()->setCurrentColor(QColor(0, 255, 0));
     QTest::keyClick(editor->dialog(), Qt::Key_Return);
     QTRY_VERIFY(!editor->dialog());
 
-    QCOMPARE(node->nodeAttributeValue(QStringLiteral("BrickColor")).value<OssColor>().toQColor(),
-             QColor(0, 255, 0));
+    QCOMPARE(
+        node->nodeAttributeValue(QStringLiteral("BrickColor")).value<OssColor>().toQColor().rgba(),
+        QColor(0, 255, 0).rgba());
     QCOMPARE(editor->field()->text(), QStringLiteral("0 1 0 1"));
     verifyOneStep(QStringLiteral("Set BrickColor of Bricks"));
 }
@@ -429,7 +431,7 @@ void tst_PropertyEditors::filePathDialog()
     QTRY_VERIFY(editor->dialog() && editor->dialog()->isVisible());
     editor->dialog()->setDirectory(m_host.scratchDirectory());
     editor->dialog()->selectFile(path);
-    editor->dialog()->accept();
+    QTest::keyClick(editor->dialog(), Qt::Key_Return);
     QTRY_VERIFY(!editor->dialog());
 
     QCOMPARE(node->nodeAttributeValue(QStringLiteral("PresetFile")).toString(), path);
@@ -455,7 +457,7 @@ void tst_PropertyEditors::imageReference()
     QTRY_VERIFY(editor->dialog() && editor->dialog()->isVisible());
     editor->dialog()->setDirectory(m_host.scratchDirectory());
     editor->dialog()->selectFile(path);
-    editor->dialog()->accept();
+    QTest::keyClick(editor->dialog(), Qt::Key_Return);
     QTRY_VERIFY(!editor->dialog());
     const QList<OssImage *> images = OssImageManager::instance()->images();
     QVERIFY(!images.isEmpty());
