@@ -101,8 +101,8 @@ OssSnNodePropertiesWidget::OssSnNodePropertiesWidget(OssShaderNetworkView *view,
 
     auto *deleteButton = new QToolButton(this);
     deleteButton->setObjectName(QStringLiteral("deleteAllProperties"));
-    deleteButton->setIcon(
-        QIcon(OssResourceInfo::instance()->iconPath() + QStringLiteral("/NodePropertiesDeleteAll.png")));
+    deleteButton->setIcon(QIcon(OssResourceInfo::instance()->iconPath() +
+                                QStringLiteral("/NodePropertiesDeleteAll.png")));
     deleteButton->setMaximumSize(24, 24);
     deleteButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     deleteButton->setToolTip(tr("Remove all panels."));
@@ -119,8 +119,8 @@ OssSnNodePropertiesWidget::OssSnNodePropertiesWidget(OssShaderNetworkView *view,
     {
         OssSettings settings;
         settings.beginGroup(QLatin1String(SettingsGroup));
-        m_maxPanels->setText(QString::number(
-            settings.value(QLatin1String(MaxPanelsKey), DefaultMaxPanels).toInt()));
+        m_maxPanels->setText(
+            QString::number(settings.value(QLatin1String(MaxPanelsKey), DefaultMaxPanels).toInt()));
     }
     connect(m_maxPanels, &QLineEdit::editingFinished, this,
             &OssSnNodePropertiesWidget::onMaxPanelsEditingFinished);
@@ -238,6 +238,7 @@ QWidget *OssSnNodePropertiesWidget::buildPanel(OssSnBaseNode *node)
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setObjectName(node->uuidString().remove(QLatin1Char('{')).remove(QLatin1Char('}')));
     panel->setStyleSheet(panelStyleSheet(node, panel->objectName(), DefaultFrameColor));
+    panel->installEventFilter(this);
     addGroupButtons(node, panel);
     connectNode(node);
     if (auto *channelInput = qobject_cast<OssSnChannelInputNode *>(node))
@@ -257,7 +258,8 @@ void OssSnNodePropertiesWidget::addGroupButtons(OssSnBaseNode *node, QWidget *pa
     knobs->setToolTip(tr("Choose which knobs and parameters should be included in the group"));
     knobs->setAutoFillBackground(true);
     knobs->setProperty("GroupNode", QVariant::fromValue<QObject *>(group));
-    connect(knobs, &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeKnobWidget);
+    connect(knobs, &QPushButton::clicked, this,
+            &OssSnNodePropertiesWidget::showGroupNodeKnobWidget);
     list->heading()->insertWidget(0, knobs);
 
     auto *subgraph = new OssMiniButton(QStringLiteral("s"), list->heading());
@@ -266,7 +268,8 @@ void OssSnNodePropertiesWidget::addGroupButtons(OssSnBaseNode *node, QWidget *pa
         tr("Open Group Node subgraph (%1+Enter, %1+Doube-click)").arg(QStringLiteral("Ctrl")));
     subgraph->setAutoFillBackground(true);
     subgraph->setProperty("GroupNode", QVariant::fromValue<QObject *>(group));
-    connect(subgraph, &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeSubgraph);
+    connect(subgraph, &QPushButton::clicked, this,
+            &OssSnNodePropertiesWidget::showGroupNodeSubgraph);
     list->heading()->insertWidget(1, subgraph);
 }
 
@@ -471,13 +474,36 @@ bool OssSnNodePropertiesWidget::event(QEvent *Event)
                 }
             }
         }
-        if (under != m_nodeUnderMouse) {
-            OssSnBaseNode *old = m_nodeUnderMouse;
-            m_nodeUnderMouse = under;
-            emit propertiesUnderMouseChanged(under, old);
-        }
+        setNodeUnderMouse(under);
     }
     return QWidget::event(Event);
+}
+
+bool OssSnNodePropertiesWidget::eventFilter(QObject *Watched, QEvent *Event)
+{
+    // Hover moves reach only the innermost widget under the pointer, so the panels report the
+    // pointer entering and leaving them.
+    if (Event->type() == QEvent::Enter || Event->type() == QEvent::Leave) {
+        for (auto it = m_panels.cbegin(); it != m_panels.cend(); ++it) {
+            if (it.value() != Watched)
+                continue;
+            if (Event->type() == QEvent::Enter)
+                setNodeUnderMouse(it.key());
+            else if (m_nodeUnderMouse == it.key())
+                setNodeUnderMouse(nullptr);
+            break;
+        }
+    }
+    return QWidget::eventFilter(Watched, Event);
+}
+
+void OssSnNodePropertiesWidget::setNodeUnderMouse(OssSnBaseNode *node)
+{
+    if (node == m_nodeUnderMouse)
+        return;
+    OssSnBaseNode *old = m_nodeUnderMouse;
+    m_nodeUnderMouse = node;
+    emit propertiesUnderMouseChanged(node, old);
 }
 
 QString OssSnNodePropertiesWidget::panelStyleSheet(OssSnBaseNode *node, const QString &objectName,
@@ -500,12 +526,13 @@ QString OssSnNodePropertiesWidget::panelStyleSheet(OssSnBaseNode *node, const QS
                        .arg(color.blue())
                        .arg(QString::number(color.alphaF() * 50, 'g'));
     }
-    return QStringLiteral("QFrame#%1[OssExpandableListWidget=true] {    border-top-style: solid;    "
-                          "border-top-width: 2px;    border-top-color: %2;    border-left-style: "
-                          "solid;    border-left-width: 1px;    border-left-color: %3;    "
-                          "border-right-style: solid;    border-right-width: 1px;    "
-                          "border-right-color: %3;    border-bottom-style: solid;    "
-                          "border-bottom-width: 1px;    border-bottom-color: %3;    "
-                          "border-radius: 3px;}")
+    return QStringLiteral(
+               "QFrame#%1[OssExpandableListWidget=true] {    border-top-style: solid;    "
+               "border-top-width: 2px;    border-top-color: %2;    border-left-style: "
+               "solid;    border-left-width: 1px;    border-left-color: %3;    "
+               "border-right-style: solid;    border-right-width: 1px;    "
+               "border-right-color: %3;    border-bottom-style: solid;    "
+               "border-bottom-width: 1px;    border-bottom-color: %3;    "
+               "border-radius: 3px;}")
         .arg(objectName, top, side);
 }

@@ -64,6 +64,7 @@ protected slots:
 
 protected:
     bool event(QEvent *Event) override;
+    bool eventFilter(QObject *Watched, QEvent *Event) override;
 
 private:
     QWidget *buildPanel(OssSnBaseNode *node);
@@ -72,6 +73,7 @@ private:
     void removePanel(QWidget *panel);
     int panelIndex(OssSnBaseNode *node) const;
     bool rebuildsFor(OssSnBaseNode *node, const QString &attributeName) const;
+    void setNodeUnderMouse(OssSnBaseNode *node);
 
     QPointer<OssShaderNetworkView> m_view;
     QVBoxLayout *m_panelLayout = nullptr;

@@ -367,7 +367,8 @@ bool DescriptionReader::readRange(OssSnNodeTypeAttribute *item)
     }
     if (item->minimum.isValid() && item->maximum.isValid() &&
         item->minimum.toDouble() > item->maximum.toDouble())
-        return fail(line, QStringLiteral("attribute %1 has a Min above its Max").arg(quoted(item->name)));
+        return fail(line,
+                    QStringLiteral("attribute %1 has a Min above its Max").arg(quoted(item->name)));
     return true;
 }
 

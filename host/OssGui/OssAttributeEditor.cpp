@@ -149,7 +149,8 @@ void OssAttributeEditor::reportClamped(const QString &typed, const QString &kept
                                        bool aboveMaximum) const
 {
     const QString message =
-        aboveMaximum ? tr("%1: %2 is above the maximum; set to %3").arg(m_spec.prettyName, typed, kept)
-                     : tr("%1: %2 is below the minimum; set to %3").arg(m_spec.prettyName, typed, kept);
+        aboveMaximum
+            ? tr("%1: %2 is above the maximum; set to %3").arg(m_spec.prettyName, typed, kept)
+            : tr("%1: %2 is below the minimum; set to %3").arg(m_spec.prettyName, typed, kept);
     OssStatusManager::instance()->showMessage(message);
 }

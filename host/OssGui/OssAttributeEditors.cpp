@@ -380,7 +380,8 @@ void OssImageAttributeEditor::loadImage()
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog->setOption(QFileDialog::DontUseNativeDialog);
     m_dialog->setFileMode(QFileDialog::ExistingFile);
-    m_dialog->setNameFilter(tr("Images (*.png *.jpg *.jpeg *.tif *.tiff *.exr *.tx);;All files (*)"));
+    m_dialog->setNameFilter(
+        tr("Images (*.png *.jpg *.jpeg *.tif *.tiff *.exr *.tx);;All files (*)"));
     connect(m_dialog.data(), &QFileDialog::fileSelected, this, [this](const QString &path) {
         const QList<OssImage *> images = OssImageManager::instance()->open(path);
         if (!images.isEmpty())

@@ -41,8 +41,7 @@ OssNumberAttributeEditor::OssNumberAttributeEditor(const OssAttributeSpec &spec,
     connect(m_field, &QLineEdit::editingFinished, this,
             &OssNumberAttributeEditor::onEditingFinished);
     connect(m_slider, &QSlider::valueChanged, this, &OssNumberAttributeEditor::onSliderMoved);
-    connect(m_slider, &QSlider::sliderReleased, this,
-            &OssNumberAttributeEditor::onSliderReleased);
+    connect(m_slider, &QSlider::sliderReleased, this, &OssNumberAttributeEditor::onSliderReleased);
 }
 
 void OssNumberAttributeEditor::setValue(const QVariant &value)

@@ -156,22 +156,31 @@ void tst_PropertyEditors::typedNumber_data()
     QTest::addColumn<QVariant>("expected");
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("float in range") << "Math/Mix" << "Amount" << "0.25" << QVariant(0.25) << "";
+    QTest::newRow("float in range") << "Math/Mix"
+                                    << "Amount"
+                                    << "0.25" << QVariant(0.25) << "";
     QTest::newRow("float above maximum")
-        << "Math/Mix" << "Amount" << "1.7" << QVariant(1.0)
-        << "Amount: 1.7 is above the maximum; set to 1";
+        << "Math/Mix"
+        << "Amount"
+        << "1.7" << QVariant(1.0) << "Amount: 1.7 is above the maximum; set to 1";
     QTest::newRow("float below minimum")
-        << "Math/Mix" << "Amount" << "-3" << QVariant(0.0)
-        << "Amount: -3 is below the minimum; set to 0";
-    QTest::newRow("float without range") << "Procedural/Noise/Perlin" << "Frequency" << "250.5"
-                                         << QVariant(250.5) << "";
-    QTest::newRow("int in range") << "Procedural/Pattern/Bricks" << "Rows" << "12" << QVariant(12)
-                                  << "";
-    QTest::newRow("int above maximum") << "Procedural/Pattern/Bricks" << "Rows" << "1000"
-                                       << QVariant(256)
-                                       << "Rows: 1000 is above the maximum; set to 256";
-    QTest::newRow("int below minimum") << "Procedural/Pattern/Bricks" << "Rows" << "0"
-                                       << QVariant(1) << "Rows: 0 is below the minimum; set to 1";
+        << "Math/Mix"
+        << "Amount"
+        << "-3" << QVariant(0.0) << "Amount: -3 is below the minimum; set to 0";
+    QTest::newRow("float without range") << "Procedural/Noise/Perlin"
+                                         << "Frequency"
+                                         << "250.5" << QVariant(250.5) << "";
+    QTest::newRow("int in range") << "Procedural/Pattern/Bricks"
+                                  << "Rows"
+                                  << "12" << QVariant(12) << "";
+    QTest::newRow("int above maximum")
+        << "Procedural/Pattern/Bricks"
+        << "Rows"
+        << "1000" << QVariant(256) << "Rows: 1000 is above the maximum; set to 256";
+    QTest::newRow("int below minimum")
+        << "Procedural/Pattern/Bricks"
+        << "Rows"
+        << "0" << QVariant(1) << "Rows: 0 is below the minimum; set to 1";
 }
 
 void tst_PropertyEditors::typedNumber()
@@ -208,15 +217,30 @@ void tst_PropertyEditors::refusedEntry_data()
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("reason");
 
-    QTest::newRow("float") << "Math/Mix" << "Amount" << "value" << "half"
+    QTest::newRow("float") << "Math/Mix"
+                           << "Amount"
+                           << "value"
+                           << "half"
                            << "\"half\" is not a number";
-    QTest::newRow("float empty") << "Math/Mix" << "Amount" << "value" << ""
+    QTest::newRow("float empty") << "Math/Mix"
+                                 << "Amount"
+                                 << "value"
+                                 << ""
                                  << "\"\" is not a number";
-    QTest::newRow("int with a fraction") << "Procedural/Pattern/Bricks" << "Rows" << "value"
-                                         << "2.5" << "\"2.5\" is not a whole number";
-    QTest::newRow("colour") << "Procedural/Pattern/Bricks" << "BrickColor" << "value" << "reddish"
+    QTest::newRow("int with a fraction") << "Procedural/Pattern/Bricks"
+                                         << "Rows"
+                                         << "value"
+                                         << "2.5"
+                                         << "\"2.5\" is not a whole number";
+    QTest::newRow("colour") << "Procedural/Pattern/Bricks"
+                            << "BrickColor"
+                            << "value"
+                            << "reddish"
                             << "\"reddish\" is not a colour";
-    QTest::newRow("vector component") << "Adjust/Grayscale" << "Weights" << "y" << "1,5e"
+    QTest::newRow("vector component") << "Adjust/Grayscale"
+                                      << "Weights"
+                                      << "y"
+                                      << "1,5e"
                                       << "\"1,5e\" is not a number";
 }
 
@@ -270,8 +294,8 @@ void tst_PropertyEditors::sliderDragIsOneStep()
     option.maximum = slider->maximum();
     option.sliderPosition = slider->sliderPosition();
     option.sliderValue = slider->value();
-    const QRect handle =
-        slider->style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, slider);
+    const QRect handle = slider->style()->subControlRect(QStyle::CC_Slider, &option,
+                                                         QStyle::SC_SliderHandle, slider);
     QPoint at = handle.center();
     QSignalSpy changes(node, &OssSnBaseNode::nodeAttributeChanged);
 
@@ -300,7 +324,8 @@ void tst_PropertyEditors::sliderDragIsOneStep()
 
 void tst_PropertyEditors::sliderClickIsOneStep()
 {
-    OssSnBaseNode *node = makeNode(QStringLiteral("Procedural/Pattern/Bricks"), QStringLiteral("B"));
+    OssSnBaseNode *node =
+        makeNode(QStringLiteral("Procedural/Pattern/Bricks"), QStringLiteral("B"));
     QVERIFY(node);
     openEditor(node);
     auto *editor = editorFor<OssNumberAttributeEditor>(QStringLiteral("Rows"));
@@ -482,7 +507,8 @@ void tst_PropertyEditors::followsUndoAndOtherEditors()
     std::unique_ptr<OssNodePropertyEditor> second(OssNodePropertyEditor::create(node, nullptr));
     second->show();
     auto *first = editorFor<OssNumberAttributeEditor>(QStringLiteral("Amount"));
-    auto *other = qobject_cast<OssNumberAttributeEditor *>(second->editor(QStringLiteral("Amount")));
+    auto *other =
+        qobject_cast<OssNumberAttributeEditor *>(second->editor(QStringLiteral("Amount")));
     QVERIFY(first && other);
 
     typeInto(first->field(), QStringLiteral("0.8"));

@@ -155,7 +155,6 @@ bool hasConnection(const QString &path, const QString &target, const QString &in
         .hasMatch();
 }
 
-
 // The saved text of a node's attribute in a project file (null when it is not there).
 QString savedAttribute(const QString &path, const QString &node, const QString &attribute)
 {
@@ -165,7 +164,8 @@ QString savedAttribute(const QString &path, const QString &node, const QString &
     if (!name.hasMatch())
         return QString();
     const QRegularExpressionMatch value =
-        QRegularExpression(QStringLiteral("<userAttribute name=\"%1\"[^>]*>([^<]*)<").arg(attribute))
+        QRegularExpression(
+            QStringLiteral("<userAttribute name=\"%1\"[^>]*>([^<]*)<").arg(attribute))
             .match(text, name.capturedEnd());
     return value.hasMatch() ? value.captured(1) : QString();
 }
@@ -504,8 +504,8 @@ private slots:
         const QRect node =
             waitFor("before panel", Inserted, [](const QRect &r) { return r.isValid(); });
         QVERIFY(node.isValid());
-        xdotool({"mousemove", QString::number(node.center().x()),
-                 QString::number(node.center().y())});
+        xdotool(
+            {"mousemove", QString::number(node.center().x()), QString::number(node.center().y())});
         pause();
         xdotool({"click", "--repeat", "2", "--delay", "80", "1"});
         pause(800);
