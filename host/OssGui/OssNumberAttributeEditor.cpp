@@ -114,8 +114,10 @@ void OssNumberAttributeEditor::fitSliderTo(double value)
     const OssAttributeSpec &attribute = spec();
     if (!attribute.minimum.isValid())
         m_low = qMin(m_low, value);
+    // An unbounded value sits mid-way on its slider, leaving room to drag either way; the span
+    // stays put while the slider is held so the handle does not run from the pointer.
     if (!attribute.maximum.isValid())
-        m_high = qMax(m_high, value);
+        m_high = qMax(m_high, m_slider->isSliderDown() || value <= 0 ? value : value * 2);
     if (isInt())
         m_slider->setRange(static_cast<int>(m_low), static_cast<int>(m_high));
 }
