@@ -7,6 +7,7 @@
 #include "OssSnNodeGraphWidget.h"
 #include "OssSnNodePropertiesWidget.h"
 
+#include <OssActionTreeManager.h>
 #include <OssAttributeEditor.h>
 #include <OssExpandableListWidget.h>
 #include <OssMiniButton.h>
@@ -19,11 +20,13 @@
 #include <OssSnGroupNode.h>
 #include <OssUndoManager.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QLayout>
 #include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
+#include <QToolButton>
 #include <QtTest>
 
 // The "Node Properties" palette on the real host and plug-in: panels opened by double-clicks in
@@ -223,6 +226,28 @@ private slots:
         flushDeletions();
         QCOMPARE(panels()->panelCount(), 0);
         QCOMPARE(QApplication::allWidgets().size(), before);
+    }
+
+    void deleteAllButtonAndActionEmptyThePalette()
+    {
+        OssSnBaseNode *a = make("Math/Mix", "A");
+        OssSnBaseNode *b = make("Filter/Blur", "B", {300, 0});
+        panels()->openProperty(a);
+        panels()->openProperty(b);
+        auto *button = panels()->findChild<QToolButton *>(QStringLiteral("deleteAllProperties"));
+        QVERIFY(button);
+        QCOMPARE(button->toolTip(), QStringLiteral("Remove all panels."));
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(panels()->panelCount(), 0);
+        QVERIFY(!panels()->panel(a));
+
+        panels()->openProperty(a);
+        QAction *action = OssActionTreeManager::instance()->findAction(
+            QStringLiteral("/Ossa/NodeGraph/Delete All Properties"));
+        QVERIFY(action);
+        QCOMPARE(action->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+A")));
+        action->trigger();
+        QCOMPARE(panels()->panelCount(), 0);
     }
 
     // --- editing through the panel
