@@ -32,6 +32,11 @@ OssNodePropertyEditor::OssNodePropertyEditor(OssSnBaseNode *node,
 {
     if (!node)
         return;
+    if (heading()) {
+        QFont bold = heading()->font();
+        bold.setBold(true);
+        heading()->setFont(bold);
+    }
     if (options.title.isEmpty() && heading())
         connect(node, &OssSnBaseNode::nameChanged, heading(), &OssExpandableListHeading::setText);
     connect(node, &OssSnBaseNode::nodeAttributeChanged, this,
@@ -120,6 +125,9 @@ void OssNodePropertyEditor::build(const OssNodePropertyEditorOptions &options)
     for (const auto &entry : qAsConst(sections)) {
         auto *section = new OssExpandableListWidget(entry.first, body);
         section->setObjectName(entry.first);
+        QFont italic = section->heading()->font();
+        italic.setItalic(true);
+        section->heading()->setFont(italic);
         auto *sectionBody = new QWidget(section);
         auto *sectionLayout = new QVBoxLayout(sectionBody);
         sectionLayout->setContentsMargins(8, 0, 0, 0);
