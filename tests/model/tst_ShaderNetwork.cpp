@@ -2,10 +2,12 @@
 
 #include <OssChannel.h>
 #include <OssEntity.h>
+#include <OssObjectReferenceManager.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkContextLoader.h>
+#include <OssShaderNetworkIO.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBaseContext.h>
 #include <OssSnBroadcastTeleportNode.h>
@@ -525,6 +527,80 @@ private slots:
         QVERIFY2(all.contains(QStringLiteral("Filter/Not Installed")), qPrintable(all));
         QVERIFY2(all.contains(QStringLiteral("Group")), qPrintable(all));
         QVERIFY2(all.contains(QStringLiteral("many")), qPrintable(all));
+    }
+
+    void aRepeatedUuidStaysWithItsFirstObject()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        const QByteArray first = noise->uuidString().toUtf8();
+        const QByteArray second = blur->uuidString().toUtf8();
+        const QString path = m_host.scratchPath(QStringLiteral("uuids.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray text = file.readAll();
+        file.close();
+        QVERIFY(text.contains(second));
+        text.replace(second, first);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().value(0);
+        OssSnBaseNode *perlin = m_network->node(QStringLiteral("Perlin"));
+        OssSnBaseNode *soft = m_network->node(QStringLiteral("Blur"));
+        QVERIFY(perlin && soft);
+        QCOMPARE(perlin->uuidString().toUtf8(), first);
+        QVERIFY(soft->uuid() != perlin->uuid());
+        QCOMPARE(OssObjectReferenceManager::instance()->getPointer(perlin->uuid()), perlin);
+        const QString warnings =
+            OssProjectManager::instance()->lastLoadWarnings().join(QLatin1Char('\n'));
+        QVERIFY2(warnings.contains(QStringLiteral("repeats the UUID")), qPrintable(warnings));
+    }
+
+    void nodeDocumentsReadWithRepairsSaySo_data()
+    {
+        // Each edit replaces every occurrence of its left side by its right side.
+        QTest::addColumn<QStringList>("edits");
+        QTest::addColumn<int>("inserted");
+        QTest::addColumn<QString>("warning");
+        QTest::newRow("unknown type")
+            << QStringList{"Filter/Blur=>Filter/Not Installed"} << 2 << "Filter/Not Installed";
+        QTest::newRow("connection to a missing node")
+            << QStringList{"source=\"Perlin\"=>source=\"Gone\""} << 2 << "Gone";
+        QTest::newRow("not a node") << QStringList{"Filter/Blur=>Filter/Not Installed",
+                                                   "Procedural/Noise/Perlin=>Not/Installed",
+                                                   "type=\"OssSnBaseNode\"=>type=\"OssProject\""}
+                                    << 0 << "OssProject";
+    }
+
+    void nodeDocumentsReadWithRepairsSaySo()
+    {
+        QFETCH(QStringList, edits);
+        QFETCH(int, inserted);
+        QFETCH(QString, warning);
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QByteArray data = OssShaderNetworkIO::nodesToData({noise, blur});
+        for (const QString &edit : edits) {
+            const QByteArray from = edit.section(QStringLiteral("=>"), 0, 0).toUtf8();
+            QVERIFY2(data.contains(from), from.constData());
+            data.replace(from, edit.section(QStringLiteral("=>"), 1).toUtf8());
+        }
+        OssShaderNetwork *other = m_host.newProject(QStringLiteral("Other"));
+        QString error;
+        const QList<OssSnBaseNode *> nodes =
+            OssShaderNetworkIO::nodesFromData(other, data, true, &error, QStringLiteral("paste"));
+        QCOMPARE(nodes.size(), inserted);
+        const QString warnings = OssShaderNetworkIO::lastWarnings().join(QLatin1Char('\n'));
+        QVERIFY2(warnings.contains(warning), qPrintable(warnings));
+        QVERIFY2(m_host.hasLine(QStringLiteral("[ !! ] paste: ") +
+                                OssShaderNetworkIO::lastWarnings().first()),
+                 qPrintable(m_host.lines().join('\n')));
+        m_network = other;
     }
 
     void badProjectFilesLeaveTheOpenProject_data()
