@@ -381,7 +381,7 @@ void OssSnNodeGraphViewContextManager::initialiseNodePropertiesPalette()
         m_nodeGraphWidget ? m_nodeGraphWidget->view() : nullptr, palette);
     m_nodePropertiesWidget = panel;
     connect(panel, SIGNAL(nodeDoubledClicked()), this, SLOT(showPropertiesPalette()));
-    connect(panel, &OssSnNodePropertiesWidget::hoverChanged, this,
+    connect(panel, &OssSnNodePropertiesWidget::propertiesUnderMouseChanged, this,
             &OssSnNodeGraphViewContextManager::onNodePropertiesHoverChanged);
     palette->setBodyWidget(panel);
     palette->setObjectName(tr("Node Properties"));

@@ -25,3 +25,9 @@ void OssStatusManager::finishProcessing()
         emit endProcessing();
     }
 }
+
+void OssStatusManager::showMessage(const QString &message)
+{
+    m_message = message;
+    emit messageShown(message);
+}

@@ -19,6 +19,11 @@ public:
     void beginProcessing(const QString &operation);
     void finishProcessing();
 
+    // A short note for the user's status line (a value clamped, an entry refused); the last
+    // one is kept until the next.
+    void showMessage(const QString &message);
+    QString lastMessage() const { return m_message; }
+
     // Ends the outermost operation when it goes out of scope.
     class OSSCORE_EXPORT Scope
     {
@@ -32,9 +37,11 @@ public:
 signals:
     void startProcessing(const QString &operation);
     void endProcessing();
+    void messageShown(const QString &message);
 
 private:
     explicit OssStatusManager(QObject *parent = nullptr);
     int m_depth = 0;
     QString m_operation;
+    QString m_message;
 };

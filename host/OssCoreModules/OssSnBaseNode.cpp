@@ -865,7 +865,17 @@ void OssSnBaseNode::setNodeAttributesDirect(const QList<OssCustomAttribute> &att
     for (const OssCustomAttribute &attribute : attributes)
         if (!before.contains(attribute.name()))
             emit nodeAttributeCreated(attribute.name());
-    emit nodeAttributesSet();
+    // A new value alone is told by nodeAttributeChanged; panels rebuild only when the list's
+    // names, order, labels or visibility changed.
+    const auto shape = [](const QList<OssCustomAttribute> &list) {
+        QStringList result;
+        for (const OssCustomAttribute &attribute : list)
+            result << attribute.name() << attribute.prettyName()
+                   << QString::number(attribute.isVisible());
+        return result;
+    };
+    if (shape(old) != shape(attributes))
+        emit nodeAttributesSet();
 }
 
 QString OssSnBaseNode::nodeAttributeNameAsUserAttributeName(const QString &attribute) const

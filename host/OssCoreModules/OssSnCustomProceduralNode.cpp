@@ -31,9 +31,13 @@ public:
             m_before.outputs.append(OssSnNodeTypePort{output, node->outputPointType(output), {}});
         m_before.preferredOutput = node->prefferedOutputPoint();
         for (const OssCustomAttribute &attribute : node->nodeAttributes())
-            m_before.attributes.append(OssSnNodeTypeAttribute{
-                attribute.name(), attribute.prettyName(), attribute.typeName(), attribute.value(),
-                attribute.isVisible()});
+            m_before.attributes.append(OssSnNodeTypeAttribute{attribute.name(),
+                                                              attribute.prettyName(),
+                                                              attribute.typeName(),
+                                                              attribute.value(),
+                                                              attribute.isVisible(),
+                                                              {},
+                                                              {}});
         m_before.versionUuid = node->versionUUID();
         m_before.hash = node->versionHashCreated();
         m_before.date = node->versionDate();

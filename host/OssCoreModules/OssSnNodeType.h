@@ -20,9 +20,11 @@ struct OssSnNodeTypePort
 
 // One node attribute of a node type, with the value a new node starts with.
 //
-// Value types: "bool" (bool), "int" (int), "float" (double), "string" (QString), "color"
-// (OssColor), "enum" (QString in the OssUserEnum text form "index:key1|key2"), "imageList"
-// (QStringList of image ids), "vector" (QString "x y z").
+// Value types: "bool" (bool), "int" (int), "float" (double), "string" (QString), "file" (QString,
+// a file path), "color" (OssColor), "enum" (QString in the OssUserEnum text form
+// "index:key1|key2"), "imageList" (QStringList of image ids), "vector" (QString "x y z").
+//
+// A number may have a range (Min and Max, either or both); editors keep typed values inside it.
 struct OssSnNodeTypeAttribute
 {
     QString name;
@@ -30,6 +32,9 @@ struct OssSnNodeTypeAttribute
     QString type;
     QVariant defaultValue;
     bool visible = true;
+    // Null when the description sets no bound.
+    QVariant minimum;
+    QVariant maximum;
 };
 
 // Everything the host knows about one creatable kind of shader-network node, as read from its

@@ -100,7 +100,7 @@ bool convertDefault(const QString &type, const QString &text, QVariant *value, Q
             return false;
         }
         *value = reals.first();
-    } else if (type == QLatin1String("string")) {
+    } else if (type == QLatin1String("string") || type == QLatin1String("file")) {
         *value = text;
     } else if (type == QLatin1String("color")) {
         bool ok = false;
@@ -174,6 +174,8 @@ private:
     }
     // A "true"/"false" attribute that is true when absent.
     bool readFlag(const char *name, bool *value);
+    // Reads the optional Min and Max of a number attribute.
+    bool readRange(OssSnNodeTypeAttribute *item);
 
     bool readDocumentElement(OssSnNodeType *type);
     bool readTags(OssSnNodeType *type);
@@ -345,6 +347,31 @@ bool DescriptionReader::readPorts(bool inputs, QVector<OssSnNodeTypePort> *ports
     return true;
 }
 
+bool DescriptionReader::readRange(OssSnNodeTypeAttribute *item)
+{
+    const qint64 line = m_reader.lineNumber();
+    const bool number = item->type == QLatin1String("int") || item->type == QLatin1String("float");
+    for (const char *bound : {"Min", "Max"}) {
+        if (!hasAttribute(bound))
+            continue;
+        if (!number)
+            return fail(line, QStringLiteral("%1 attribute %2 cannot have a %3")
+                                  .arg(item->type, quoted(item->name), QLatin1String(bound)));
+        QVariant value;
+        QString reason;
+        if (!convertDefault(item->type, attribute(bound), &value, &reason))
+            return fail(line, QStringLiteral("the %1 %2 of %3 attribute %4 %5")
+                                  .arg(QLatin1String(bound), quoted(attribute(bound)), item->type,
+                                       quoted(item->name), reason));
+        (qstrcmp(bound, "Min") == 0 ? item->minimum : item->maximum) = value;
+    }
+    if (item->minimum.isValid() && item->maximum.isValid() &&
+        item->minimum.toDouble() > item->maximum.toDouble())
+        return fail(line,
+                    QStringLiteral("attribute %1 has a Min above its Max").arg(quoted(item->name)));
+    return true;
+}
+
 bool DescriptionReader::readAttributes(QVector<OssSnNodeTypeAttribute> *attributes)
 {
     while (m_reader.readNextStartElement()) {
@@ -379,6 +406,8 @@ bool DescriptionReader::readAttributes(QVector<OssSnNodeTypeAttribute> *attribut
             item.defaultValue = emptyValue(item.type);
         }
         if (!readFlag("Visible", &item.visible))
+            return false;
+        if (!readRange(&item))
             return false;
         attributes->append(item);
         m_reader.skipCurrentElement();
@@ -431,7 +460,7 @@ QStringList OssSnNodeTypeCatalogue::knownAttributeTypes()
     static const QStringList types = {
         QStringLiteral("bool"),      QStringLiteral("int"),    QStringLiteral("float"),
         QStringLiteral("string"),    QStringLiteral("color"),  QStringLiteral("enum"),
-        QStringLiteral("imageList"), QStringLiteral("vector"),
+        QStringLiteral("imageList"), QStringLiteral("vector"), QStringLiteral("file"),
     };
     return types;
 }

@@ -17,6 +17,7 @@
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkManager.h>
 #include <OssShadingGroup.h>
+#include <OssStatusManager.h>
 #include <OssUndoManager.h>
 
 #include <QAction>
@@ -28,6 +29,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QResizeEvent>
+#include <QStatusBar>
 #include <QTimer>
 
 OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
@@ -37,6 +39,9 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     resize(1600, 1000);
     setDockNestingEnabled(true);
     OssGuiApplication::setMainWindow(this);
+    // Short notes from the host's operations (a clamped value, a refused entry) show for a while.
+    connect(OssStatusManager::instance(), &OssStatusManager::messageShown, statusBar(),
+            [this](const QString &message) { statusBar()->showMessage(message, 8000); });
 
     QMenu *file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&New Project"), this, &OssMainWindow::newProject, QKeySequence::New);

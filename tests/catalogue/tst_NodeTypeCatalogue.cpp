@@ -444,6 +444,54 @@ private slots:
                                           << "" << QVariant(QStringList());
         QTest::newRow("vector") << "vector"
                                 << "0 1.5 -2" << QVariant(QStringLiteral("0 1.5 -2"));
+        QTest::newRow("file") << "file"
+                              << "/tmp/a b.txt" << QVariant(QStringLiteral("/tmp/a b.txt"));
+    }
+
+    void numberRanges_data()
+    {
+        QTest::addColumn<QString>("bounds");
+        QTest::addColumn<QVariant>("minimum");
+        QTest::addColumn<QVariant>("maximum");
+        QTest::newRow("none") << "" << QVariant() << QVariant();
+        QTest::newRow("both") << "Min=\"-1\" Max=\"2.5\"" << QVariant(-1.0) << QVariant(2.5);
+        QTest::newRow("minimum only") << "Min=\"0\"" << QVariant(0.0) << QVariant();
+        QTest::newRow("maximum only") << "Max=\"10\"" << QVariant() << QVariant(10.0);
+    }
+
+    void numberRanges()
+    {
+        QFETCH(QString, bounds);
+        QFETCH(QVariant, minimum);
+        QFETCH(QVariant, maximum);
+        OssSnNodeType parsed;
+        QString error;
+        QVERIFY2(OssSnNodeTypeCatalogue::parse(
+                     minimal(QStringLiteral("Misc/A"), QString(),
+                             QStringLiteral("<Attributes><Attribute Name=\"V\" Type=\"float\" "
+                                            "Default=\"0.5\" %1/></Attributes>")
+                                 .arg(bounds)),
+                     QStringLiteral("a.xml"), &parsed, &error),
+                 qPrintable(error));
+        QCOMPARE(parsed.attributes.value(0).minimum, minimum);
+        QCOMPARE(parsed.attributes.value(0).maximum, maximum);
+    }
+
+    void shippedRangesHoldTheirDefaults()
+    {
+        const OssSnNodeType *mix = m_shipped.type(QStringLiteral("Math/Mix"));
+        QVERIFY(mix);
+        QCOMPARE(mix->attribute(QStringLiteral("Amount"))->minimum, QVariant(0.0));
+        QCOMPARE(mix->attribute(QStringLiteral("Amount"))->maximum, QVariant(1.0));
+        for (const QString &key : m_shipped.nodePathKeys()) {
+            for (const OssSnNodeTypeAttribute &attribute : m_shipped.type(key)->attributes) {
+                const double value = attribute.defaultValue.toDouble();
+                if (attribute.minimum.isValid())
+                    QVERIFY2(value >= attribute.minimum.toDouble(), qPrintable(key));
+                if (attribute.maximum.isValid())
+                    QVERIFY2(value <= attribute.maximum.toDouble(), qPrintable(key));
+            }
+        }
     }
 
     void attributeValues()
@@ -549,6 +597,21 @@ private slots:
             << minimal(QStringLiteral("Bad/Attr"), QString(),
                        QStringLiteral("<Attributes><Attribute Name=\"V\"/></Attributes>"))
             << "unknown type \"\"";
+        QTest::newRow("range on a string")
+            << minimal(QStringLiteral("Bad/Attr"), QString(),
+                       QStringLiteral("<Attributes><Attribute Name=\"V\" Type=\"string\" "
+                                      "Min=\"1\"/></Attributes>"))
+            << "string attribute \"V\" cannot have a Min";
+        QTest::newRow("bad maximum")
+            << minimal(QStringLiteral("Bad/Attr"), QString(),
+                       QStringLiteral("<Attributes><Attribute Name=\"V\" Type=\"int\" "
+                                      "Max=\"lots\"/></Attributes>"))
+            << "the Max \"lots\" of int attribute \"V\" is not an integer";
+        QTest::newRow("minimum above maximum")
+            << minimal(QStringLiteral("Bad/Attr"), QString(),
+                       QStringLiteral("<Attributes><Attribute Name=\"V\" Type=\"float\" "
+                                      "Min=\"2\" Max=\"1\"/></Attributes>"))
+            << "attribute \"V\" has a Min above its Max";
         QTest::newRow("int default")
             << attribute(QStringLiteral("int"), QStringLiteral("1.5")) << "is not an integer";
         QTest::newRow("float default")

@@ -161,6 +161,35 @@ bool hasConnection(const QString &path, const QString &target, const QString &in
         .hasMatch();
 }
 
+// The saved text of a node's attribute in a project file (null when it is not there).
+QString savedAttribute(const QString &path, const QString &node, const QString &attribute)
+{
+    const QString text = readText(path);
+    const QRegularExpressionMatch name = firstMatch(
+        text, {QStringLiteral("name=\"%1\"").arg(node), QStringLiteral(">%1<").arg(node)}, 0);
+    if (!name.hasMatch())
+        return QString();
+    const QRegularExpressionMatch value =
+        QRegularExpression(
+            QStringLiteral("<userAttribute name=\"%1\"[^>]*>([^<]*)<").arg(attribute))
+            .match(text, name.capturedEnd());
+    return value.hasMatch() ? value.captured(1) : QString();
+}
+
+// The first stretch of at least Length pure white pixels in a row inside Area, top to bottom:
+// the base of a text field.
+QPoint firstField(const QImage &image, const QRect &area, int length = 24)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        int run = 0;
+        for (int x = area.left(); x <= area.right(); ++x) {
+            run = (image.pixel(x, y) | 0xff000000u) == 0xffffffffu ? run + 1 : 0;
+            if (run == length)
+                return QPoint(x - length / 2, y + 3);
+        }
+    }
+    return QPoint();
+}
 } // namespace
 
 // The shell as a user meets it: a real window on a real X server, real pointer and keyboard
@@ -504,6 +533,74 @@ private slots:
             after = savedCount(m_first, QStringLiteral("Filter/Sharpen"));
         }
         QVERIFY2(after > before, "the saved project holds no new Sharpen node");
+    }
+
+    // A double-click on a node opens its panel in the properties palette; a value typed into
+    // the panel is one step that Ctrl+Z takes back, and the saved file says so each time.
+    void editANodeInItsPanelAndUndo()
+    {
+        const QRect node =
+            waitFor("before panel", Inserted, [](const QRect &r) { return r.isValid(); });
+        QVERIFY(node.isValid());
+        xdotool(
+            {"mousemove", QString::number(node.center().x()), QString::number(node.center().y())});
+        pause();
+        xdotool({"click", "--repeat", "2", "--delay", "80", "1"});
+        pause(800);
+        // The panel is framed in the node's colour: look for it away from the node itself.
+        QRect frame;
+        QImage shot;
+        QElapsedTimer clock;
+        clock.start();
+        do {
+            shot = screen("panel opened");
+            QImage masked = shot;
+            for (int y = node.top() - 8; y <= node.bottom() + 8; ++y)
+                for (int x = node.left() - 8; x <= node.right() + 8; ++x)
+                    if (masked.valid(x, y))
+                        masked.setPixel(x, y, 0xff000000u);
+            frame = findColour(masked, Inserted);
+            if (!frame.isValid())
+                pause(200);
+        } while (!frame.isValid() && clock.elapsed() < 8000);
+        QVERIFY2(frame.isValid(), "no panel framed in the node's colour");
+        QVERIFY2(frame.width() > 150 && frame.height() > 40,
+                 qPrintable(QStringLiteral("%1x%2").arg(frame.width()).arg(frame.height())));
+
+        // The first field of the panel is the Radius of the blur.
+        const QPoint field = firstField(shot, frame.adjusted(2, 2, -2, -2));
+        QVERIFY2(!field.isNull(), "no text field in the panel");
+        xdotool({"mousemove", QString::number(field.x()), QString::number(field.y())});
+        pause();
+        xdotool({"click", "1"});
+        pause();
+        xdotool({"key", "ctrl+a"});
+        xdotool({"type", "--delay", "20", "7.5"});
+        xdotool({"key", "Return"});
+        pause(300);
+        screen("radius typed");
+        xdotool({"key", "ctrl+s"});
+        const auto savedRadius = [this](const QString &expected) {
+            QElapsedTimer wait;
+            wait.start();
+            while (wait.elapsed() < 8000) {
+                if (savedAttribute(m_first, QStringLiteral("Dirt_Soften"),
+                                   QStringLiteral("Radius")) == expected)
+                    return true;
+                pause(200);
+            }
+            return false;
+        };
+        QVERIFY2(savedRadius(QStringLiteral("7.5")),
+                 qPrintable(savedAttribute(m_first, "Dirt_Soften", "Radius")));
+
+        // Ctrl+Z with the field still focused undoes the step, not the field's text.
+        xdotool({"key", "ctrl+z"});
+        pause(300);
+        screen("radius undone");
+        xdotool({"key", "ctrl+s"});
+        QVERIFY2(savedRadius(QStringLiteral("2")),
+                 qPrintable(savedAttribute(m_first, "Dirt_Soften", "Radius")));
     }
 
     // Control + double-click on the group opens its subgraph in a tab of its own.
