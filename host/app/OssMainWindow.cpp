@@ -118,6 +118,11 @@ OssMainWindow::~OssMainWindow()
 {
     if (OssGuiApplication::mainWindow() == this)
         OssGuiApplication::setMainWindow(nullptr);
+    // The docks outlive this part of the window (the base classes delete them): what they
+    // announce while going must not reach this object any more.
+    for (auto it = m_docks.begin(); it != m_docks.end(); ++it)
+        if (it.value())
+            disconnect(it.value(), nullptr, this, nullptr);
     // Palettes belong to their plug-ins; give them back before the docks go.
     for (auto it = m_docks.begin(); it != m_docks.end(); ++it)
         if (it.value() && it.value()->widget()) {

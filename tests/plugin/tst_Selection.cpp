@@ -35,7 +35,10 @@ struct ReceiverCount : QObject
 {
     static int of(const QObject *object, const char *signal)
     {
-        return static_cast<const ReceiverCount *>(object)->receivers(signal);
+        // A pointer to the inherited member is of type int (QObject::*)(const char *) const and
+        // is called on the object as it is, without pretending it is of this class.
+        const auto receivers = &ReceiverCount::receivers;
+        return (object->*receivers)(signal);
     }
 };
 
