@@ -778,8 +778,11 @@ void OssSnBaseNode::setNodeAttribute(const QString &name, const QVariant &value,
         created.setValue(value);
         after.append(created);
     }
-    OssUndoManager::instance()->addUndo(new OssSnNodeAttributeCommand(
-        QStringLiteral("Set %1").arg(name), this, nodeAttributes(), after));
+    const QString title = QStringLiteral("Set %1").arg(name);
+    OssUndoManager::AutoMacro macro(title);
+    recordDrivenAttributeChanges(name, value);
+    OssUndoManager::instance()->addUndo(
+        new OssSnNodeAttributeCommand(title, this, nodeAttributes(), after));
 }
 
 void OssSnBaseNode::setNodeAttributeDirect(const QString &name, const QVariant &value)

@@ -368,6 +368,14 @@ signals:
     void nodeAttributePrettyNameChanged(QString name, QString prettyName);
 
 protected:
+    // Called inside the undo step of a user's change of attribute Name, before the node's own
+    // change is recorded: a node whose attribute drives others records their changes here, each
+    // with its own old value, so that undo gives every one of them back as it was.
+    virtual void recordDrivenAttributeChanges(const QString &name, const QVariant &value)
+    {
+        Q_UNUSED(name)
+        Q_UNUSED(value)
+    }
     void userAttributeChangedHook(const OssCustomAttribute &attribute) override;
     void userAttributeRemovedHook(const QString &name) override;
 

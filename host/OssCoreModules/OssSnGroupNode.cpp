@@ -169,9 +169,21 @@ QList<QPair<OssSnBaseNode *, QString>> OssSnGroupNode::knobLinks(const QString &
 
 void OssSnGroupNode::onOwnAttributeChanged(const QString &name, const QVariant &value)
 {
-    // A knob drives the inner attributes linked to it.
+    // A knob drives the inner attributes linked to it; a link to an attribute its node no longer
+    // has is broken, and does not bring the attribute back.
     for (const auto &link : knobLinks(name))
-        link.first->setNodeAttribute(link.second, value, false);
+        if (link.first->hasNodeAttribute(link.second))
+            link.first->setNodeAttribute(link.second, value, false);
+}
+
+void OssSnGroupNode::recordDrivenAttributeChanges(const QString &name, const QVariant &value)
+{
+    // Each linked inner attribute changes in a step of its own before the knob's: undoing the
+    // knob then gives each inner attribute its own old value back, even one that differed from
+    // the knob's.
+    for (const auto &link : knobLinks(name))
+        if (link.first->hasNodeAttribute(link.second))
+            link.first->setNodeAttribute(link.second, value, true);
 }
 
 QList<OssSnBaseNode *> OssSnGroupNode::groupInputNodes() const

@@ -60,6 +60,9 @@ signals:
     void clearPortClusters();
     void updatePortClusters();
 
+protected:
+    void recordDrivenAttributeChanges(const QString &name, const QVariant &value) override;
+
 private:
     void followRenames(OssSnBaseNode *node);
     void onInnerNodeRenamed(OssSnBaseNode *node, const QString &oldName);

@@ -54,7 +54,11 @@ private:
                                       "Adjust/Levels",    "Procedural/Pattern/Checker"};
         OssShaderNetwork *network = pickNetwork(root, random);
         const QList<OssSnBaseNode *> nodes = network->nodes();
-        const int kind = nodes.size() < 3 ? 0 : int(random.bounded(15));
+        int kind = nodes.size() < 3 ? 0 : int(random.bounded(15));
+        // Pastes of groups holding groups grow the project geometrically: past a size, edits
+        // that add nodes become deletions, so long sequences keep a project of working size.
+        if (nodes.size() >= 3 && (kind == 0 || kind == 10) && root->getAllNodes().size() > 400)
+            kind = 3;
         OssSnBaseNode *a = nodes.isEmpty() ? nullptr : nodes.at(random.bounded(nodes.size()));
         OssSnBaseNode *b = nodes.isEmpty() ? nullptr : nodes.at(random.bounded(nodes.size()));
         switch (kind) {
