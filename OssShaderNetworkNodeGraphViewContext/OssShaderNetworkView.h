@@ -11,10 +11,12 @@
 
 class OssNgEdge;
 class OssNgNode;
+class OssMenu;
 class OssShaderNetwork;
 class OssSnBaseNode;
 class OssSnMultiChannelMergeNode;
 class QAction;
+class QMenu;
 
 // The node-graph editor of one shader network (root level or a group's subgraph): a view on
 // the scene holding the GUI nodes of that network.
@@ -71,6 +73,13 @@ public:
     OssSnBaseNode *insertDotIntoEdge(OssNgEdge *edge);
     // Connects a node's preferred output to the viewer's input Number and shows it there.
     bool connectToViewer(OssSnBaseNode *node, int number);
+
+    // --- context menu
+    // The right-click menu as it would show now (the caller deletes it), or null after a debug
+    // line when there is no scene or no menu definition.
+    OssMenu *makeContextMenu();
+    // Whether the node's properties may become knobs of the group holding it.
+    static bool canExposeProperties(const OssSnBaseNode *node);
 
 public slots:
     // --- pointer and keyboard interaction
@@ -169,8 +178,12 @@ protected:
     // node becomes the current viewer.
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    // Shows the menu of makeContextMenu() at the event's position.
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
+    // One submenu per menu-path folder, holding the node-creation actions.
+    void fillNodesMenu(QMenu *nodesMenu);
     QRectF selectionBounds(int *count = nullptr) const;
     // The selected scene items that are GUI nodes, as business nodes, without system shader
     // nodes: where every selection walk starts.

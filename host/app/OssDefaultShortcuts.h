@@ -3,6 +3,7 @@
 #include <QKeySequence>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 class QAction;
 class QWidget;
@@ -13,6 +14,8 @@ class QWidget;
 class OssDefaultShortcuts
 {
 public:
+    // Every identity with default keys, in the table's order.
+    static QStringList identities();
     // The default keys of an action identity; empty when it has none.
     static QList<QKeySequence> keysFor(const QString &identity);
     // Gives Action its default keys, working within Scope, unless it has keys already. True when
