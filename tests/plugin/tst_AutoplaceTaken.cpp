@@ -66,7 +66,7 @@ private slots:
         QAction *own = managersAutoplace();
         QVERIFY(menu->actions().contains(own));
         // A node far out of place: the layout brings it back to its column.
-        OssNgNode *out = OssSnNodeGraphViewContext::guiNodeOf(network->node(QStringLiteral("Out")));
+        OssNgNode *out = OssSnNodeGraphViewContext::guiNodeOf(network->node(QStringLiteral("N1")));
         out->setPos(5000, 5000);
         OssUndoManager::instance()->clear();
         own->trigger();

@@ -81,6 +81,13 @@ private:
     }
     std::unique_ptr<OssMenu> menu() { return std::unique_ptr<OssMenu>(view()->makeContextMenu()); }
     OssSnBaseNode *node(const char *name) { return m_network->node(QString::fromLatin1(name)); }
+    // A node without attributes has nothing to expose.
+    static void clearAttributes(OssSnBaseNode *node)
+    {
+        for (const OssCustomAttribute &attribute : node->userAttributes())
+            node->removeUserAttribute(attribute.name(), false);
+        QVERIFY(!node->userAttributesExist());
+    }
 
 private slots:
     void initTestCase()
@@ -197,6 +204,7 @@ private slots:
         QVERIFY(m_host.createNodes(inner, {{"Filter/Blur", "Inner"}, {"Filter/Blur", "Other"}}));
         inner->node(QStringLiteral("Inner"))
             ->setUserAttribute(OssCustomAttribute(QStringLiteral("Amount"), 0.5));
+        clearAttributes(inner->node(QStringLiteral("Other")));
         const bool inside = !selected.isEmpty() && selected.first().startsWith(QLatin1String("G/"));
         if (inside) {
             // The group's tab becomes the current view.
@@ -250,6 +258,7 @@ private slots:
         if (!tag.isEmpty())
             subject->addTag(tag);
         subject->setVersionUUID(version);
+        clearAttributes(subject);
         if (knobs)
             subject->setUserAttribute(OssCustomAttribute(QStringLiteral("Knob"), 1));
         QCOMPARE(OssShaderNetworkView::canExposeProperties(subject), offered);
@@ -262,7 +271,7 @@ private slots:
     {
         node("A")->setSelected(true);
         OssShaderNetworkView *graph = view();
-        graph->show();
+        graph->window()->show();
         QVERIFY(QTest::qWaitForWindowExposed(graph->window()));
         QStringList shown;
         bool picked = false;
