@@ -21,7 +21,10 @@ const QColor ConflictColour(255, 190, 190);
 
 QString nativeText(const QList<QKeySequence> &keys)
 {
-    return QKeySequence::listToString(keys, QKeySequence::NativeText);
+    QStringList texts;
+    for (const QKeySequence &key : keys)
+        texts << key.toString(QKeySequence::NativeText);
+    return texts.join(QStringLiteral(", "));
 }
 
 } // namespace
@@ -55,6 +58,8 @@ OssShortcutEditor::OssShortcutEditor(QWidget *parent) : QDialog(parent)
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->verticalHeader()->hide();
     m_table->horizontalHeader()->setSectionResizeMode(ActionColumn, QHeaderView::Stretch);
+    m_table->horizontalHeader()->setSectionResizeMode(KeyColumn, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(DefaultColumn, QHeaderView::ResizeToContents);
     for (int row = 0; row < m_rows.size(); ++row) {
         for (int column = 0; column < 3; ++column)
             m_table->setItem(row, column, new QTableWidgetItem);
