@@ -150,4 +150,11 @@ void OssShaderNetworkView::contextMenuEvent(QContextMenuEvent *event)
     menu->exec(event->globalPos());
     // The "Nodes" submenu is the menu's child and goes with it.
     delete menu;
+    // The group actions' state was for this menu: their commands refuse what they cannot do,
+    // and the menu bar and the keys offer them whatever the selection.
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    for (const char *path :
+         {"/Ossa/NodeGraph/Manage User Knobs", "/Ossa/NodeGraph/Expose Node Properties"})
+        if (QAction *action = tree->findAction(QLatin1String(path)))
+            action->setEnabled(true);
 }

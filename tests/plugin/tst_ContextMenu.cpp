@@ -275,11 +275,14 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(graph->window()));
         QStringList shown;
         bool picked = false;
+        bool knobsWhileOpen = true;
         QTimer::singleShot(0, this, [&] {
             auto *open = qobject_cast<QMenu *>(QApplication::activePopupWidget());
             if (!open)
                 return;
             shown = entries(open);
+            // Set for this menu: one blur selected.
+            knobsWhileOpen = treeAction(QStringLiteral("Manage User Knobs"))->isEnabled();
             for (QAction *action : open->actions())
                 if (action->text() == QLatin1String("Delete")) {
                     open->setActiveAction(action);
@@ -300,6 +303,10 @@ private slots:
         // The menu is gone with its submenu once it closed.
         QTRY_VERIFY(!QApplication::activePopupWidget());
         QVERIFY(graph->findChildren<QMenu *>().isEmpty());
+        // Closed, the menu leaves the group actions to the menu bar and the keys, enabled.
+        QVERIFY(!knobsWhileOpen);
+        QVERIFY(treeAction(QStringLiteral("Manage User Knobs"))->isEnabled());
+        QVERIFY(treeAction(QStringLiteral("Expose Node Properties"))->isEnabled());
     }
 
     void withoutDefinitionOrSceneNoMenu()
