@@ -95,6 +95,10 @@ void OssSnSceneRegistry::onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNo
     for (OssNgEdge *edge : gui->inputs() + gui->outputs())
         if (edge->scene() != scene)
             scene->addItem(edge);
+    // The scene polishes its new items when the event loop turns; from then on there is nothing
+    // to flush for it.
+    if (m_scenesWithNewItems.isEmpty())
+        QTimer::singleShot(0, this, [this] { m_scenesWithNewItems.clear(); });
     m_scenesWithNewItems.insert(scene);
 }
 
@@ -233,6 +237,8 @@ void OssSnSceneRegistry::flushPendingPolish(QGraphicsScene *scene)
     // on every removal. Removing many of them before the loop turns (undo of a removal, then
     // redo, in one go) would search that list once per item: the scene's queued call that
     // empties the list is delivered first.
+    // Only the polish is run: the scene's other queued calls (its change notifications) would
+    // repaint the views in the middle of the removal.
     if (m_scenesWithNewItems.remove(scene))
-        QCoreApplication::sendPostedEvents(scene, QEvent::MetaCall);
+        QMetaObject::invokeMethod(scene, "_q_polishItems");
 }

@@ -9,6 +9,7 @@
 #include <QGraphicsView>
 #include <QPainterPath>
 #include <QPen>
+#include <QSet>
 
 namespace {
 constexpr double NodeWidth = 200.0;
@@ -59,6 +60,8 @@ void BaselineSystem::build(const BenchGraph &graph)
         auto *item = new QGraphicsPathItem(path);
         item->setPen(QPen(Qt::lightGray, 2));
         m_scene->addItem(item);
+        m_edgesOfNode[items[edge.from]].append(item);
+        m_edgesOfNode[items[edge.to]].append(item);
     }
 }
 
@@ -69,11 +72,27 @@ void BaselineSystem::tearDown()
     delete m_scene;
     m_scene = nullptr;
     m_centers.clear();
+    m_edgesOfNode.clear();
 }
 
 QPointF BaselineSystem::nodeCenter(int index) const
 {
     return m_centers.value(index);
+}
+
+QList<QGraphicsItem *> BaselineSystem::selectedNodesWithEdges() const
+{
+    QList<QGraphicsItem *> items;
+    QSet<QGraphicsItem *> edges;
+    for (QGraphicsItem *node : m_scene->selectedItems()) {
+        items.append(node);
+        for (QGraphicsItem *edge : m_edgesOfNode.value(node))
+            if (!edges.contains(edge)) {
+                edges.insert(edge);
+                items.append(edge);
+            }
+    }
+    return items;
 }
 
 void BaselineSystem::selectNodes(int count)

@@ -2,8 +2,12 @@
 
 #include "BenchGraph.h"
 
+#include <QHash>
+#include <QList>
 #include <QString>
+#include <QVector>
 
+class QGraphicsItem;
 class QGraphicsScene;
 class QGraphicsView;
 
@@ -39,11 +43,15 @@ public:
     QGraphicsView *view() const override { return m_view; }
     QPointF nodeCenter(int index) const override;
     void selectNodes(int count) override;
+    // The selected nodes and every edge that touches one of them, each once: what deleting the
+    // selection takes out of the scene.
+    QList<QGraphicsItem *> selectedNodesWithEdges() const;
 
 private:
     QGraphicsScene *m_scene = nullptr;
     QGraphicsView *m_view = nullptr;
     QVector<QPointF> m_centers;
+    QHash<QGraphicsItem *, QVector<QGraphicsItem *>> m_edgesOfNode;
 };
 
 class OssNgNode;

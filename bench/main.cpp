@@ -394,13 +394,13 @@ int main(int argc, char **argv)
         OssUndoManager::instance()->undo();
         settle(ours);
         // The view's "Remove Selected Nodes" of 1,000 selected nodes and its undo, against taking
-        // the same number of selected items out of the bare scene and putting them back.
+        // the same nodes with their edges out of the bare scene and putting them back.
         const int removed = qMin(1000, graph.nodes.size());
         const auto [plainRemoval, plainPutBack] = [&] {
             baseline.build(graph);
             settle(baseline);
             baseline.selectNodes(removed);
-            const QList<QGraphicsItem *> items = baseline.scene()->selectedItems();
+            const QList<QGraphicsItem *> items = baseline.selectedNodesWithEdges();
             const double out = elapsedMs([&] {
                 for (QGraphicsItem *item : items)
                     baseline.scene()->removeItem(item);

@@ -160,7 +160,8 @@ private slots:
                        {"cancel", QMessageBox::Cancel}};
         for (const char *command : {"new", "open", "quit"})
             for (const auto &answer : answers)
-                QTest::addRow("%s, %s", command, answer.name)
+                QTest::newRow(qPrintable(QStringLiteral("%1, %2").arg(QLatin1String(command),
+                                                                      QLatin1String(answer.name))))
                     << QString::fromLatin1(command) << int(answer.button);
     }
 
