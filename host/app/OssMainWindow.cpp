@@ -181,7 +181,12 @@ void OssMainWindow::rebuildActionMenus()
             }
             parent = menu;
         }
-        for (QAction *action : tree->actions(folder))
+        // Folders that share a menu ("/Ossa/NodeGraph/" and "/Ossa/NodeGraph") each get a
+        // section of their own.
+        const QList<QAction *> actions = tree->actions(folder);
+        if (!actions.isEmpty() && !parent->actions().isEmpty())
+            parent->addSeparator();
+        for (QAction *action : actions)
             parent->addAction(action);
     }
     applyDefaultShortcuts();

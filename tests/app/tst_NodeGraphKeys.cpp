@@ -251,6 +251,13 @@ private slots:
         QVERIFY(mode && shake);
         QVERIFY(menu->actions().contains(mode));
         QVERIFY(menu->actions().contains(shake));
+        // Each folder is a section of its own.
+        QAction *expanded = OssActionTreeManager::instance()->findAction(
+            QStringLiteral("/Ossa/NodeGraph/Switch to Expanded mode"));
+        const int first = menu->actions().indexOf(expanded);
+        QVERIFY(first > 0);
+        QVERIFY(menu->actions().at(first - 1)->isSeparator());
+        QVERIFY(menu->actions().at(menu->actions().indexOf(shake) - 1)->isSeparator());
         bool create = false;
         for (QAction *entry : menu->actions())
             create = create || (entry->menu() && entry->text() == QLatin1String("Create"));
