@@ -114,7 +114,7 @@ private slots:
 
     void cleanup()
     {
-        // A command may have opened a group's tab or a popup: back to the root view.
+        // A command may have left a popup open.
         if (QWidget *popup = QApplication::activePopupWidget())
             popup->close();
         QVERIFY2(m_host.reset(), qPrintable(m_host.errorString()));
