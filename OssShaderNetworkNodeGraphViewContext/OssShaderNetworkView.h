@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <functional>
 
+class OssGeoImageSet;
+class OssImage;
 class OssNgEdge;
 class OssNgNode;
 class OssMenu;
@@ -146,6 +148,35 @@ public slots:
     void togglePortVisibility();
     void cyclePortListMode();
 
+    // --- drops and imports (OssShaderNetworkViewDrop.cpp)
+    // A texture node of NodeType showing Image, at NodeScenePos (the view's centre when null),
+    // moved off overlapping nodes; one undo step.
+    void createNodeFromDropImage(OssImage *Image, QString NodeType, QPointF NodeScenePos);
+    void createNodeFromDropImage(OssImage *Image, QString NodeType);
+    // One node per archive, at the view position (the cursor for the forms that ask for the
+    // files); a failing archive shows why and changes nothing.
+    void importMaterial();
+    void importMaterial(QStringList PathList, QPoint NodeViewPos);
+    void importCustomProcedural();
+    void importCustomProcedural(QStringList PathList, QPoint NodeViewPos);
+
+    // --- bakes (OssShaderNetworkViewBake.cpp)
+    void bakeEmptyAndUpdateOutOfDateBakePoints();
+    void bakeSelectedBakePoints();
+    void updateSelectedBakePoints();
+    void updateUpstreamBakePoints();
+    void updateDownstreamBakePoints();
+    // Bakes the selected node into a new paint node that takes its place downstream.
+    void bakeToPaintableNode();
+    // Exports the selected node's result into a geo-channel of the network's object (the one
+    // given, or one the user picks), through a new image set.
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName);
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet);
+    void exportToGeoChannel();
+    // Turns on "Use Blending Colorspace" of the merge nodes upstream of an 8-bit paint end
+    // point, as the preference says (asking, changing or leaving them).
+    static void autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(OssSnBaseNode *EndPointNode);
+
     void onZoomToChanged();
     void allowViewUpdateChanged(bool AllowViewUpdate);
     void onProjectClosed();
@@ -157,6 +188,8 @@ public slots:
 
 protected slots:
     void deferredConnectToViewContextManager();
+    // Lets the canvas flush paint still in its buffer into an image set node's image set.
+    void bakePaintBufferToNode(const OssSnBaseNode *Node);
 
 signals:
     void nodeDoubleClicked(OssSnBaseNode *node);
@@ -181,9 +214,23 @@ protected:
     // Shows the menu of makeContextMenu() at the event's position.
     void contextMenuEvent(QContextMenuEvent *event) override;
 
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+public:
+    // Sets "BlendColorSpaceEnabled" of a new merge node from the paint it feeds: enabled when
+    // an 8-bit paint source lies downstream of it.
+    static void setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *mergeNode);
+
 private:
     // One submenu per menu-path folder, holding the node-creation actions.
     void fillNodesMenu(QMenu *nodesMenu);
+    // Imports one archive per path into new nodes of PathKey, as one undo step titled Title;
+    // the errors of all paths are shown together under ErrorTitle and undo everything.
+    void importArchives(const QStringList &paths, const QPoint &viewPos, const QString &pathKey,
+                        const QString &title, const QString &errorTitle);
     QRectF selectionBounds(int *count = nullptr) const;
     // The selected scene items that are GUI nodes, as business nodes, without system shader
     // nodes: where every selection walk starts.
@@ -215,4 +262,6 @@ private:
     QHash<OssNgNode *, QPointer<OssNgNode>> m_recordedNodes;
     // Framing asked for before the view had its size is done again once it has one.
     int m_framePending = -1;
+    // Whether the drag over the view was taken when it entered: moves answer the same.
+    bool m_dragAccepted = false;
 };

@@ -1,9 +1,15 @@
 #include "OssSnManagerActions.h"
 
+#include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "OssSnNodeGraphWidget.h"
 
 #include <OssActionTreeManager.h>
+#include <OssIcon.h>
+#include <OssImage.h>
+#include <OssImageManager.h>
 #include <OssShaderNetworkManager.h>
+#include <OssUndoManager.h>
 
 #include <QAction>
 #include <QCoreApplication>
@@ -38,6 +44,26 @@ void OssSnManagerActions::create(OssSnNodeGraphViewContextManager *manager)
                          &Manager::onNodeCollapsedModeChanged);
     }
 
+    // Selected images of the image manager become nodes, offered in its context menu.
+    const struct
+    {
+        const char *text;
+        const char *pathKey;
+        const char *toolTip;
+    } imageActions[] = {
+        {"As Tiled", "Procedural/Pattern/Tiled", "Add to Nodegraph as Tiled"},
+        {"As TriPlanar", "Environment/Tri Planar Projection", "Add to Nodegraph as TriPlanar"},
+    };
+    for (const auto &entry : imageActions) {
+        auto *action = new QAction(tr(entry.text), manager);
+        action->setData(QString::fromLatin1(entry.pathKey));
+        action->setToolTip(tr(entry.toolTip));
+        OssImageManager::instance()->registerGlobalContextMenuAction(
+            action, QStringLiteral("Add to Nodegraph"),
+            OssIcon::getIconPath(QStringLiteral("NodeGraph.png")));
+        QObject::connect(action, &QAction::triggered, manager, &Manager::addImageAs);
+    }
+
     const QString shake = tr("Shake To Extract");
     auto *toggle = new QAction(shake, manager);
     toggle->setStatusTip(shake);
@@ -46,4 +72,22 @@ void OssSnManagerActions::create(OssSnNodeGraphViewContextManager *manager)
     toggle->setWhatsThis(shake);
     tree->registerAction(QStringLiteral("Ossa/NodeGraph/"), toggle);
     QObject::connect(toggle, &QAction::triggered, manager, &Manager::toggleShakeToExtractEnabled);
+}
+
+void OssSnNodeGraphViewContextManager::addImageAs()
+{
+    auto *action = qobject_cast<QAction *>(sender());
+    if (!action || action->data().toString().isEmpty() || !m_nodeGraphWidget)
+        return;
+    OssShaderNetworkView *view = currentView();
+    if (!view)
+        return;
+    const QString pathKey = action->data().toString();
+    const QList<OssImage *> images = OssImageManager::instance()->selectedImages();
+    if (images.isEmpty())
+        return;
+    // All the images of one request are one undo step.
+    OssUndoManager::AutoMacro macro(QStringLiteral("Add to Nodegraph"));
+    for (OssImage *image : images)
+        view->createNodeFromDropImage(image, pathKey, QPointF(0, 0));
 }

@@ -79,6 +79,15 @@ public slots:
     void toggleEdgeSeverAction();
     void ensureIsVisibleAction();
     void fitToViewAction();
+    void importMaterial();
+    void importCustomProcedural();
+    void bakeToPaintableNode();
+    void exportToGeoChannel();
+    void bakeEmptyAndUpdateOutOfDateBakePoints();
+    void bakeSelectedBakePoints();
+    void updateSelectedBakePoints();
+    void updateUpstreamBakePoints();
+    void updateDownstreamBakePoints();
 
 private slots:
     void createNodeCreationActions();

@@ -438,8 +438,12 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
         OSS_DEBUG("input name cannot be empty : %s", qPrintable(outputPointName));
         return;
     }
+    // One undo step with the merge nodes' blending upkeep that feeding paint may call for.
+    OssUndoManager::AutoMacro macro(QStringLiteral("Connect %1").arg(inputName));
     OssShaderNetworkUtils::setInputNodeBatchConnectable(node, inputName, source, outputPointName,
                                                         true, true, true, false);
+    if (node->inputConnection(inputName) == source)
+        OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
 }
 
 void OssSnNodeGraphViewContext::applySelection(bool selected)

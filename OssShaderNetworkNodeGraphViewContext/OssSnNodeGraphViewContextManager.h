@@ -60,14 +60,14 @@ class OssSnNodeGraphViewContextManager : public OssSerializableObject
                        NOTIFY numberOfLastUsedNodePathsToStoreChanged)
 
 public:
-    enum ZoomTo
+    enum ZoomTo : int
     {
         Center = 0,
         Cursor = 1
     };
     Q_ENUM(ZoomTo)
 
-    enum DefaultMCMCollapsedState
+    enum DefaultMCMCollapsedState : int
     {
         Expanded = 0,
         StreamCollapsed = 1,
@@ -77,7 +77,7 @@ public:
     Q_ENUM(DefaultMCMCollapsedState)
 
     // Index into the port display list.
-    enum DefaultNodePortDisplayMode
+    enum DefaultNodePortDisplayMode : int
     {
         ShowPortList = 0,
         NoPortList = 1
@@ -329,6 +329,9 @@ public slots:
         OssSnNodeHighlights::showHover(MouseOver, OldMouseOver);
     }
     void onNodeCollapsedModeChanged();
+    // Makes a node of the sender action's path key for each image selected in the image
+    // manager, in the current view.
+    void addImageAs();
     void showPropertiesPalette();
     void showNodeGraphPalette();
     void initialiseNodeGraphPalette();

@@ -15,6 +15,7 @@ class OSSCOREMODULES_EXPORT OssChannel : public OssSerializableObject
     Q_PROPERTY(int width READ width WRITE setWidth)
     Q_PROPERTY(int height READ height WRITE setHeight)
     Q_PROPERTY(QString colorSpace READ colorSpace WRITE setColorSpace)
+    Q_PROPERTY(QString content READ content WRITE setContent)
 public:
     // GL type codes of channel pixels.
     enum : int
@@ -36,6 +37,10 @@ public:
     QString colorSpace() const { return m_colorSpace; }
     void setColorSpace(const QString &colorSpace) { m_colorSpace = colorSpace; }
     OssShadingGroup *shadingGroup() const;
+    // What was rendered into the image set. The host has no renderer: a bake writes a digest
+    // of the graph that made the result, so equal graphs give equal content.
+    QString content() const { return m_content; }
+    void setContent(const QString &content) { m_content = content; }
 
 private:
     QString m_name;
@@ -43,4 +48,5 @@ private:
     int m_width = 2048;
     int m_height = 2048;
     QString m_colorSpace = QStringLiteral("sRGB");
+    QString m_content;
 };

@@ -11,8 +11,13 @@
 
 class QMimeData;
 
-// The host's general drag and drop: drops on the node graph (target 4) of image files or image
-// ids make tiled-image nodes; other modules add handlers for their own kinds.
+// The host's general drag and drop: modules register handlers for the kinds of dragged objects
+// they own, and a drop goes to the first handler that takes it.
+//
+// Images (loaded image ids, image files) are not handled here for the node graph (target 4):
+// the node graph view makes one texture node per image itself, with the node type chosen by
+// the modifier keys, inside its own undo step and at the drop point. Were the manager to take
+// them too, the view asks it first and its image path would never run.
 class OSSCOREMODULES_EXPORT OssDragAndDropManager : public QObject
 {
     Q_OBJECT
@@ -24,8 +29,7 @@ public:
     bool acceptDragEnter(const QMimeData *mimeData, int target) const;
     // Parameters: "NodeGraph" (the network, as a QObject*) and "Position" (scene point).
     bool drop(const QMimeData *mimeData, int target, const QVariantMap &parameters);
-    // A handler answers true when it took the drop; handlers are asked in registration order
-    // before the host's own.
+    // A handler answers true when it took the drop; handlers are asked in registration order.
     void registerHandler(const QString &name, Handler accepts, Handler handle);
 
 private:

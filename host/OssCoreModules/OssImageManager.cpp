@@ -3,6 +3,7 @@
 #include "OssDragAndDropManager.h"
 #include "OssImage.h"
 #include "OssImageList.h"
+#include "OssImageUniqueId.h"
 
 #include <OssDebug.h>
 
@@ -110,9 +111,24 @@ QStringList OssImageManager::dropEvent_AcceptURLs(const QMimeData *mimeData) con
     QStringList paths;
     if (!mimeData)
         return paths;
+    QStringList candidates;
     for (const QUrl &url : mimeData->urls())
-        if (url.isLocalFile() && QImageReader(url.toLocalFile()).canRead())
-            paths.append(url.toLocalFile());
+        if (url.isLocalFile())
+            candidates.append(url.toLocalFile());
+    const QString pathFormat = QString::fromLatin1(OssImage::PathMimeType);
+    if (mimeData->hasFormat(pathFormat))
+        for (const QString &line :
+             QString::fromUtf8(mimeData->data(pathFormat)).split(QLatin1Char('\n')))
+            if (!line.trimmed().isEmpty())
+                candidates.append(line.trimmed());
+    static const QList<QByteArray> formats = QImageReader::supportedImageFormats();
+    for (const QString &path : qAsConst(candidates)) {
+        const QFileInfo info(path);
+        if (paths.contains(path) || !info.isFile())
+            continue;
+        if (formats.contains(info.suffix().toLower().toUtf8()) || QImageReader(path).canRead())
+            paths.append(path);
+    }
     return paths;
 }
 
@@ -121,7 +137,9 @@ bool OssImageManager::processDragEvent(QDragEnterEvent *event, int target)
     if (!event || target != OssDragAndDropManager::NodeGraphTarget)
         return false;
     const QMimeData *mime = event->mimeData();
-    if (mime->hasFormat(QString::fromLatin1(OssImage::MimeType)) ||
+    if (!OssImageUniqueId::imageIdListFromString(
+             QString::fromUtf8(mime->data(QString::fromLatin1(OssImage::MimeType))))
+             .isEmpty() ||
         !dropEvent_AcceptURLs(mime).isEmpty()) {
         event->acceptProposedAction();
         return true;

@@ -48,7 +48,10 @@ public:
 
     // Takes a drag of image files or loaded image ids for target 4 (the node graph).
     bool processDragEvent(QDragEnterEvent *event, int target);
-    // The local files of a drop that Qt can read as images.
+    // The local image files of a drop: the dropped file URLs and the paths of the image path
+    // mime type, each kept when its suffix names an image format Qt reads or Qt recognises
+    // its content. A damaged file of an image kind is kept, so that opening it can say why it
+    // is left out.
     QStringList dropEvent_AcceptURLs(const QMimeData *mimeData) const;
 
 signals:

@@ -1,14 +1,19 @@
 #include "OssShaderNetworkUtils.h"
 
+#include "OssChannel.h"
+#include "OssImageSetUtils.h"
 #include "OssShaderNetwork.h"
 #include "OssShaderNetworkManager.h"
+#include "OssShadingGroup.h"
 #include "OssSnBakePointNode.h"
 #include "OssSnGroupNode.h"
 #include "OssSnImageSetNodeBase.h"
 
 #include <OssDebug.h>
+#include <OssUndoCommand.h>
 #include <OssUndoManager.h>
 
+#include <QPointer>
 #include <QSet>
 
 bool OssShaderNetworkUtils::OssNodeWalkerUpstream::followInput(OssSnBaseNode *, const QString &)
@@ -227,6 +232,56 @@ OssShaderNetworkUtils::getDownstreamBakePointNodes(const QList<OssSnBaseNode *> 
     return result;
 }
 
+namespace {
+
+// A bake of a bake point: the recorded state of its bake (the graph it baked and the image set
+// it baked into) before and after.
+class BakeCommand : public OssUndoCommand
+{
+public:
+    BakeCommand(OssSnBakePointNode *bakePoint, const QString &imageSet)
+        : OssUndoCommand(QStringLiteral("Bake %1").arg(bakePoint->name())), m_bakePoint(bakePoint),
+          m_oldSignature(bakePoint->bakedSignature()), m_oldImageSet(bakePoint->bakedImageSet()),
+          m_imageSet(imageSet)
+    {}
+    void redo() override
+    {
+        if (m_bakePoint)
+            m_bakePoint->bake(m_imageSet);
+    }
+    void undo() override
+    {
+        if (!m_bakePoint)
+            return;
+        m_bakePoint->setBakedSignature(m_oldSignature);
+        m_bakePoint->setBakedImageSet(m_oldImageSet);
+        emit m_bakePoint->bakedStateChanged();
+        m_bakePoint->emitNodeStateRefreshed();
+    }
+
+private:
+    QPointer<OssSnBakePointNode> m_bakePoint;
+    QString m_oldSignature;
+    QString m_oldImageSet;
+    QString m_imageSet;
+};
+
+// Bakes into the image set "Node_Bake_<name>" of the shading group, made when missing: the
+// stand-in renderer writes the digest of the graph upstream, so a changed graph shows as a
+// bake out of date. One undo step each.
+void bakeBakePoint(OssSnBakePointNode *bakePoint)
+{
+    const QString name = QStringLiteral("Node_Bake_") + bakePoint->name();
+    OssUndoManager::AutoMacro macro(QStringLiteral("Bake %1").arg(bakePoint->name()));
+    OssUndoManager::instance()->addUndo(new BakeCommand(bakePoint, name));
+    OssShaderNetwork *network = bakePoint->network();
+    if (OssChannel *imageSet =
+            OssImageSetUtils::imageSetNamed(network ? network->shadingGroup() : nullptr, name))
+        OssImageSetUtils::writeContent(imageSet, bakePoint->bakedSignature());
+}
+
+} // namespace
+
 int OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBaseNode *> &nodes, bool bake,
                                           bool includeUpToDate)
 {
@@ -247,7 +302,7 @@ int OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBaseNode *> &nodes, b
             continue;
         if (!stale && !includeUpToDate)
             continue;
-        bakePoint->bake(QStringLiteral("Node_Bake_") + bakePoint->name());
+        bakeBakePoint(bakePoint);
         ++baked;
     }
     return baked;

@@ -60,6 +60,7 @@ public:
     static QList<OssSnBaseNode *> getUpstreamBakePointNodes(const QList<OssSnBaseNode *> &nodes);
     static QList<OssSnBaseNode *> getDownstreamBakePointNodes(const QList<OssSnBaseNode *> &nodes);
     // Bakes (Bake) or only refreshes stale bakes of the given bake points; the count baked.
+    // Each bake is an undo step and fills the shading group's image set "Node_Bake_<name>".
     static int bakeBakePoints(const QList<OssSnBaseNode *> &nodes, bool bake, bool includeUpToDate);
 
     // Connects an input (after an edge was drawn in a view); false with a logged reason.

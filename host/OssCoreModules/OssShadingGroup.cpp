@@ -35,6 +35,22 @@ OssChannel *OssShadingGroup::addChannel(const QString &name)
     return created;
 }
 
+void OssShadingGroup::insertChannelDirect(OssChannel *channel)
+{
+    if (!channel || m_channels.contains(channel))
+        return;
+    channel->setParent(this);
+    m_channels.append(channel);
+}
+
+bool OssShadingGroup::takeChannelDirect(OssChannel *channel)
+{
+    if (!m_channels.removeOne(channel))
+        return false;
+    channel->setParent(nullptr);
+    return true;
+}
+
 bool OssShadingGroup::saveObjects(OssSerializer &serializer)
 {
     for (OssChannel *channel : qAsConst(m_channels))

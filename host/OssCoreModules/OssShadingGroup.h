@@ -28,6 +28,10 @@ public:
     QList<OssChannel *> channels() const { return m_channels; }
     OssChannel *channel(const QString &name) const;
     OssChannel *addChannel(const QString &name);
+    // For undo steps: puts a channel (back) at the end of the list, or takes it out; a taken
+    // channel has no parent.
+    void insertChannelDirect(OssChannel *channel);
+    bool takeChannelDirect(OssChannel *channel);
 
     bool saveObjects(OssSerializer &serializer) override;
     OssSerializableObject *onLoadSubObject(OssDeserializer &deserializer, const QString &name,

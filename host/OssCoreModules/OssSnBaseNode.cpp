@@ -105,9 +105,17 @@ void OssSnBaseNode::applyType(const OssSnNodeType &type)
 
 void OssSnBaseNode::setName(const QString &name, bool undoable)
 {
-    if (name == m_name || name.isEmpty())
+    if (name == m_name || name.trimmed().isEmpty())
         return;
-    pushOrRun(new OssSnValueCommand(QStringLiteral("Rename Node"), this, m_name, name,
+    // A name another node of the network holds is made unique ("Blur" becomes "Blur1"): the
+    // network finds its nodes by name, and two nodes under one name would shadow each other.
+    QString unique = name;
+    if (OssShaderNetwork *owner = network())
+        if (OssSnBaseNode *holder = owner->node(name); holder && holder != this)
+            unique = owner->generateUniqueNodeName(name);
+    if (unique == m_name)
+        return;
+    pushOrRun(new OssSnValueCommand(QStringLiteral("Rename Node"), this, m_name, unique,
                                     [](OssSnBaseNode *node, const QVariant &value) {
                                         node->setNameDirect(value.toString());
                                     }),
@@ -120,6 +128,11 @@ void OssSnBaseNode::setNameDirect(const QString &name)
         return;
     const QString old = m_name;
     m_name = name;
+    // Inside a network the name stays unique whatever path sets it (a script setting the
+    // property, an undo replaying a rename whose name was taken since).
+    if (OssShaderNetwork *owner = network())
+        if (OssSnBaseNode *holder = owner->node(name); holder && holder != this)
+            m_name = owner->generateUniqueNodeName(name);
     setObjectName(name);
     if (OssShaderNetwork *owner = network())
         owner->nodeRenamed(this, old);

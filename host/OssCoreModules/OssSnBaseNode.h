@@ -60,7 +60,7 @@ struct OssSnOutputLink
 // list, its description and the connections it had.
 struct OssSnTakenPort
 {
-    enum Kind
+    enum Kind : int
     {
         None,
         Input,
@@ -97,7 +97,7 @@ class OSSCOREMODULES_EXPORT OssSnBaseNode : public OssSerializableObject
 public:
     // How a placement request positions the node relative to its reference (grid steps for
     // the types in between).
-    enum NodeLayoutType
+    enum NodeLayoutType : int
     {
         LayoutAtFreeSpot = 0,
         LayoutBelow = 1,

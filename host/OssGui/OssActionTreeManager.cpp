@@ -35,7 +35,7 @@ void OssActionTreeManager::registerAction(const QString &folder, QAction *action
 {
     if (!action || m_entries.contains(action))
         return;
-    Entry entry{folder, fullPath(folder, action), action};
+    Entry entry{folder, fullPath(folder, action), action, action};
     if (!m_byFolder.contains(folder))
         m_folders.append(folder);
     m_byFolder[folder].append(action);
@@ -50,8 +50,8 @@ void OssActionTreeManager::forget(QObject *action)
     const auto it = m_entries.find(action);
     if (it == m_entries.end())
         return;
-    // The action is being destroyed: only its address is used from here on.
-    QAction *key = static_cast<QAction *>(action);
+    // The action is being destroyed: only the address it was registered under is used.
+    QAction *key = it->address;
     m_byFolder[it->folder].removeAll(key);
     QList<QAction *> &sameIdentity = m_byPath[it->fullPath];
     sameIdentity.removeAll(key);

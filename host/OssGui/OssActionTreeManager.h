@@ -50,6 +50,9 @@ private:
         QString folder;
         QString fullPath;
         QPointer<QAction> action;
+        // The address as registered: compared when the action is destroyed, never followed (by
+        // then the object is only a QObject, and casting it back to QAction is undefined).
+        QAction *address = nullptr;
     };
     QStringList m_folders;
     QHash<QString, QList<QAction *>> m_byFolder;

@@ -8,6 +8,13 @@
 
 namespace {
 
+bool s_useNative = true;
+
+QFileDialog::Options dialogOptions()
+{
+    return s_useNative ? QFileDialog::Options() : QFileDialog::DontUseNativeDialog;
+}
+
 QString startFolder(const QString &pathKey)
 {
     return OssResourceInfo::instance()->path(pathKey);
@@ -28,7 +35,8 @@ QString OssFileDialog::getSaveFileName(QWidget *parent, const QString &title, co
     if (OssApplication::hasDialogAnswer())
         file = OssApplication::takeDialogAnswer().toString();
     else if (OssApplication::popupsAllowed())
-        file = QFileDialog::getSaveFileName(parent, title, startFolder(pathKey), filter);
+        file = QFileDialog::getSaveFileName(parent, title, startFolder(pathKey), filter, nullptr,
+                                            dialogOptions());
     rememberFolder(pathKey, file);
     return file;
 }
@@ -40,8 +48,19 @@ QStringList OssFileDialog::getOpenFileNames(QWidget *parent, const QString &titl
     if (OssApplication::hasDialogAnswer())
         files = OssApplication::takeDialogAnswer().toStringList();
     else if (OssApplication::popupsAllowed())
-        files = QFileDialog::getOpenFileNames(parent, title, startFolder(pathKey), filter);
+        files = QFileDialog::getOpenFileNames(parent, title, startFolder(pathKey), filter, nullptr,
+                                              dialogOptions());
     if (!files.isEmpty())
         rememberFolder(pathKey, files.first());
     return files;
+}
+
+void OssFileDialog::setUseNativeDialogs(bool useNative)
+{
+    s_useNative = useNative;
+}
+
+bool OssFileDialog::useNativeDialogs()
+{
+    return s_useNative;
 }

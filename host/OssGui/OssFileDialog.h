@@ -17,4 +17,8 @@ public:
                                    const QString &pathKey);
     static QStringList getOpenFileNames(QWidget *parent, const QString &title,
                                         const QString &filter, const QString &pathKey);
+    // With false, Qt's own dialogs instead of the platform's (the default): a test can then
+    // find the open dialog among the application's widgets and answer it.
+    static void setUseNativeDialogs(bool useNative);
+    static bool useNativeDialogs();
 };

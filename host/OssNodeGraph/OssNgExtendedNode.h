@@ -19,7 +19,7 @@ public:
     // 0: inputs listed down the left side and outputs down the right, with their names; 1: no
     // port list, the node runs top to bottom with unnamed ports; 2: folded to the preferred
     // input and output; 3: connected ports only; 4: every port, even hidden ones, listed.
-    enum PortListMode
+    enum PortListMode : int
     {
         PortListShown = 0,
         PortListHidden = 1,
@@ -54,7 +54,7 @@ public:
     QStringList iconNames() const;
 
     // Display marks.
-    enum Mark
+    enum Mark : int
     {
         SystemShaderMark,
         FirstStateMark,

@@ -65,7 +65,7 @@ public:
     };
     // The outline of a node's body. The numbers are saved in projects and written in node-type
     // descriptions; any other number draws the rounded outline.
-    enum ShapeType
+    enum ShapeType : int
     {
         RoundedShape = 0,
         MaterialShape = 3,

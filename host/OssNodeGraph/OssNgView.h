@@ -34,7 +34,7 @@ public:
     // the release with an operation the view has done itself: a pan (1), a rubber-band
     // selection (2), an edge drawn or picked up (3, until it is dropped), an edge-sever stroke
     // (4) or a zoom drag (5); such a release is not a move.
-    enum InteractionState
+    enum InteractionState : int
     {
         Idle = 0,
         Panning = 1,
@@ -45,7 +45,7 @@ public:
     };
     // Cursor tracking: 0 normal, 1 edge sever (dragging cuts edges), 2 edge pick-up (a click
     // near an edge picks up its input end).
-    enum CursorTrackingMode
+    enum CursorTrackingMode : int
     {
         NormalTracking = 0,
         EdgeSeverTracking = 1,

@@ -2,6 +2,7 @@
 
 #include "OssMainWindow.h"
 #include "OssPluginHost.h"
+#include "OssTestDrop.h"
 
 #include <OssApplication.h>
 #include <OssDebug.h>
@@ -131,6 +132,7 @@ int ossRunShell(int argc, char **argv)
         OssProjectManager::instance()->newProject();
     }
     window.show();
+    ossScheduleTestDrop(&window);
 
     int exitCode = 0;
     if (parser.isSet(screenshot)) {

@@ -100,33 +100,58 @@ private slots:
         QVERIFY(OssImageManager::instance()->open(bad + "x").isEmpty());
     }
 
-    void droppingImagesMakesTiledNodes()
+    void imageDropsAreLeftToTheNodeGraphView()
     {
         const QString png = writeImage("drop.png", QSize(4, 4));
         QMimeData mime;
         mime.setUrls({QUrl::fromLocalFile(png)});
         OssDragAndDropManager *drops = OssDragAndDropManager::instance();
-        QVERIFY(drops->acceptDragEnter(&mime, 4));
-        QVERIFY(!drops->acceptDragEnter(&mime, 3));
         const QVariantMap parameters{{"NodeGraph", QVariant::fromValue<QObject *>(m_network)},
                                      {"Position", QPointF(10, 20)}};
-        QVERIFY(drops->drop(&mime, 4, parameters));
-        QCOMPARE(m_network->nodes().size(), 1);
-        OssSnBaseNode *node = m_network->nodes().first();
-        QCOMPARE(node->pathKey(), QStringLiteral("Procedural/Pattern/Tiled"));
-        const OssImageList ids = node->nodeAttributeValue("TileImage").value<OssImageList>();
-        QCOMPARE(ids.size(), 1);
-        QCOMPARE(OssImageManager::instance()->getImage(ids.ids().first())->path(),
-                 QFileInfo(png).absoluteFilePath());
-        QCOMPARE(OssUndoManager::instance()->count(), 1);
-        OssUndoManager::instance()->undo();
+        // The view makes the texture nodes itself; the manager neither accepts nor drops them.
+        QVERIFY(!drops->acceptDragEnter(&mime, 4));
+        QVERIFY(!drops->drop(&mime, 4, parameters));
         QVERIFY(m_network->nodes().isEmpty());
-        // What the manager does not handle changes nothing.
+        QCOMPARE(OssUndoManager::instance()->count(), 0);
+        // The image manager finds the file among the URLs, and a damaged file of an image kind
+        // too (opening it says why it is left out), but not a file of another kind.
+        const QString damaged = m_environment.scratchDirectory() + QStringLiteral("/damaged.png");
+        const QString text = m_environment.scratchDirectory() + QStringLiteral("/notes.txt");
+        for (const QString &path : {damaged, text}) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("not an image");
+        }
+        mime.setUrls(
+            {QUrl::fromLocalFile(png), QUrl::fromLocalFile(damaged), QUrl::fromLocalFile(text)});
+        QCOMPARE(OssImageManager::instance()->dropEvent_AcceptURLs(&mime),
+                 (QStringList{png, damaged}));
+    }
+
+    void registeredHandlersTakeTheirOwnKinds()
+    {
+        OssDragAndDropManager *drops = OssDragAndDropManager::instance();
+        QStringList handled;
+        drops->registerHandler(
+            QStringLiteral("swatches"),
+            [](const QMimeData *mime, int target, const QVariantMap &) {
+                return target == 4 && mime->hasFormat("application/x-test-swatch");
+            },
+            [&handled](const QMimeData *mime, int, const QVariantMap &parameters) {
+                handled << QString::fromUtf8(mime->data("application/x-test-swatch"))
+                        << parameters.value("Position").toString();
+                return true;
+            });
+        QMimeData swatch;
+        swatch.setData("application/x-test-swatch", "red");
+        QVERIFY(drops->acceptDragEnter(&swatch, 4));
+        QVERIFY(!drops->acceptDragEnter(&swatch, 3));
+        QVERIFY(drops->drop(&swatch, 4, {{"Position", QStringLiteral("here")}}));
+        QCOMPARE(handled, (QStringList{"red", "here"}));
         QMimeData text;
         text.setText(QStringLiteral("hello"));
-        QVERIFY(!drops->drop(&text, 4, parameters));
-        QVERIFY(!drops->drop(&mime, 4, QVariantMap()));
-        QVERIFY(m_network->nodes().isEmpty());
+        QVERIFY(!drops->acceptDragEnter(&text, 4));
+        QVERIFY(!drops->drop(&text, 4, QVariantMap()));
     }
 
     void archivesAndMerges()

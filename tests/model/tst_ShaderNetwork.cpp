@@ -336,6 +336,45 @@ private slots:
             QCOMPARE(m_network->node(QStringLiteral("Soft")), blur);
     }
 
+    void renamingToATakenNameKeepsNamesUnique_data()
+    {
+        QTest::addColumn<bool>("throughProperty");
+        QTest::newRow("rename command") << false;
+        QTest::newRow("name property") << true;
+    }
+
+    void renamingToATakenNameKeepsNamesUnique()
+    {
+        QFETCH(bool, throughProperty);
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *invert = m_network->createNode(QStringLiteral("Adjust/Invert"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QVERIFY(invert->connectInput("Input", blur, "Output"));
+        if (throughProperty)
+            QVERIFY(invert->setProperty("name", QStringLiteral("Blur")));
+        else
+            invert->setName(QStringLiteral("Blur"));
+        QVERIFY(invert->name() != QLatin1String("Blur"));
+        QCOMPARE(m_network->node(QStringLiteral("Blur")), blur);
+        QCOMPARE(m_network->node(invert->name()), invert);
+        // Both nodes stay reachable: a save and reopen keeps both connections.
+        const QString path = m_host.scratchPath(QStringLiteral("renamed.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        OssShaderNetwork *reopened =
+            OssProjectManager::instance()->currentProject()->networks().value(0);
+        QVERIFY(reopened);
+        m_network = reopened;
+        QCOMPARE(wiring(reopened).size(), 2);
+        // The shadowed node can still be deleted.
+        OssSnBaseNode *reopenedBlur = reopened->node(QStringLiteral("Blur"));
+        QVERIFY(reopenedBlur);
+        QVERIFY(reopened->removeNode(reopenedBlur));
+        QVERIFY(!reopened->containsNode(reopenedBlur));
+    }
+
     void groupsMirrorTheirInputAndOutputNodes()
     {
         auto *group = qobject_cast<OssSnGroupNode *>(m_network->createNode("Misc/Group"));

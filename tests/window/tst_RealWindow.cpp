@@ -637,6 +637,53 @@ private slots:
         QVERIFY2(pasted.isValid(), "the copied node did not arrive in the second shell");
         QVERIFY2(saved, "the second shell did not save the pasted node");
     }
+
+    // An image file dragged in from a file manager becomes a tiled texture node showing it. The
+    // X test tools cannot drag files between programs, so the shell's test hook delivers the
+    // drag (file URLs, enter, move, drop) into its graph once its window is up.
+    void anImageFileDroppedFromOutsideBecomesATexture()
+    {
+        const QString project = m_scratch.filePath(QStringLiteral("dropped.ossa"));
+        QFile::remove(project);
+        QVERIFY(QFile::copy(m_second, project));
+        const QString picture = m_scratch.filePath(QStringLiteral("brick wall.png"));
+        QImage image(64, 64, QImage::Format_RGB32);
+        image.fill(QColor(120, 60, 30));
+        QVERIFY(image.save(picture));
+
+        QProcess dropper;
+        QProcessEnvironment environment = displayEnvironment();
+        environment.insert(QStringLiteral("OSSA_TEST_DROP"), QStringLiteral("160,120;") + picture);
+        dropper.setProcessEnvironment(environment);
+        dropper.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        dropper.start(QStringLiteral(OSS_SHELL_EXECUTABLE),
+                      {project, QStringLiteral("--settings-dir"), m_scratch.filePath("settings3")});
+        QVERIFY(dropper.waitForStarted(10000));
+        QVERIFY2(
+            waitFor("drop shell", SecondOnly, [](const QRect &r) { return r.isValid(); }).isValid(),
+            "the dropping shell's graph is not shown");
+        pause(2500);
+        screen("image dropped");
+        // Empty canvas of this shell's graph takes the focus for the save.
+        xdotool({"mousemove", "400", "150"});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        xdotool({"key", "ctrl+s"});
+        QElapsedTimer clock;
+        clock.start();
+        bool saved = false;
+        while (!saved && clock.elapsed() < 8000) {
+            const QString text = readText(project);
+            saved = text.contains(QStringLiteral("Procedural/Pattern/Tiled")) &&
+                    text.contains(QStringLiteral("TileImage"));
+            if (!saved)
+                pause(200);
+        }
+        dropper.kill();
+        dropper.waitForFinished(5000);
+        QVERIFY2(saved, "the dropped image did not become a saved tiled node");
+    }
 };
 
 int main(int argc, char **argv)
