@@ -314,6 +314,31 @@ private slots:
             asked.sort();
             QCOMPARE(asked, (QStringList{"Mix", "Out"}));
         });
+        // The bake commands on a network without bake points: each says what it misses.
+        row("Smart Bake And Update", {}, [](tst_ActionEffects *t) {
+            QVERIFY(t->hasLine(QStringLiteral("[ !! ] No Bake Point nodes found")));
+        });
+        row("Bake Selected", {"Mix"}, [](tst_ActionEffects *t) {
+            QVERIFY(t->hasLine(QStringLiteral("[ !! ] No Bake Point nodes are selected")));
+        });
+        row("Update Selected", {"Mix"}, [](tst_ActionEffects *t) {
+            QVERIFY(t->hasLine(QStringLiteral("[ !! ] No Bake Point nodes are selected")));
+        });
+        row("Update Upstream", {"Out"}, [](tst_ActionEffects *t) {
+            QVERIFY(t->hasLine(QStringLiteral("[ !! ] No upstream Bake Point nodes found")));
+        });
+        row("Update Downstream", {"N1"}, [](tst_ActionEffects *t) {
+            QVERIFY(t->hasLine(QStringLiteral("[ !! ] No downstream Bake Point nodes found")));
+        });
+        row("Bake to Paint Node", {"Mix", "Out"}, [](tst_ActionEffects *t) {
+            QVERIFY(
+                t->hasLine(QStringLiteral("[ !! ] Bake to Paintable Node: Only one node must be "
+                                          "selected for baking to a paintable node")));
+        });
+        row("Export to Geo-Channel", {"Mix", "Out"}, [](tst_ActionEffects *t) {
+            QVERIFY(t->hasLine(QStringLiteral("[ !! ] Export to Geo-Channel: Only one node must be "
+                                              "selected for exporting to a geo-channel.")));
+        });
         row("Toggle Snap to Grid", {},
             [](tst_ActionEffects *t) { QVERIFY(t->view()->snapToGrid() != t->m_snapBefore); });
         row("Toggle Edge Sever Mode", {}, [](tst_ActionEffects *t) {
