@@ -17,6 +17,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QFile>
 #include <QGraphicsScene>
 #include <QMenu>
 #include <QTimer>
@@ -307,6 +308,26 @@ private slots:
         QVERIFY(!knobsWhileOpen);
         QVERIFY(treeAction(QStringLiteral("Manage User Knobs"))->isEnabled());
         QVERIFY(treeAction(QStringLiteral("Expose Node Properties"))->isEnabled());
+    }
+
+    // The host's menus come from its definition file; a submenu none of whose actions exists is
+    // left out.
+    void theHostsDefinitions()
+    {
+        OssMenuManager *menus = OssMenuManager::instance();
+        QVERIFY(QFile::exists(OssMenuManager::defaultDefinitionsPath()));
+        const QStringList definition =
+            menus->definition(QStringLiteral("Context"), QStringLiteral("NodeGraph"));
+        QVERIFY(definition.contains(QStringLiteral("/Ossa/NodeGraph/Delete")));
+        menus->setDefinition(QStringLiteral("Context"), QStringLiteral("Sparse"),
+                             {QStringLiteral("Empty>"), QStringLiteral("/Ossa/NodeGraph/Nowhere"),
+                              QStringLiteral("Inner>"), QStringLiteral("-"), QStringLiteral(">"),
+                              QStringLiteral(">"), QStringLiteral("/Ossa/NodeGraph/Delete")});
+        std::unique_ptr<OssMenu> sparse(
+            menus->makeMenu(QStringLiteral("Context"), QStringLiteral("Sparse")));
+        QVERIFY(sparse);
+        QCOMPARE(entries(sparse.get()), QStringList{"Delete"});
+        menus->removeDefinition(QStringLiteral("Context"), QStringLiteral("Sparse"));
     }
 
     void withoutDefinitionOrSceneNoMenu()
