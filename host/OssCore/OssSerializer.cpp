@@ -1,7 +1,10 @@
 #include "OssSerializer.h"
 
+#include "OssFileWriter.h"
+
 #include "OssColor.h"
 #include "OssCustomAttribute.h"
+#include "OssFileWriter.h"
 #include "OssSerializableObject.h"
 
 #include <QBuffer>
@@ -14,7 +17,6 @@
 #include <QPointF>
 #include <QRect>
 #include <QRectF>
-#include <QSaveFile>
 #include <QSize>
 #include <QSizeF>
 #include <QUuid>
@@ -256,21 +258,9 @@ QByteArray OssSerializer::saveToData(OssSerializableObject *root, const QString 
 }
 
 bool OssSerializer::saveToFile(const QString &path, OssSerializableObject *root, QString *error,
-                               const QString &name)
+                               const QString &name, const QString &backupSuffix)
 {
-    const QByteArray data = saveToData(root, name);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        if (error)
-            *error = QStringLiteral("Cannot write \"%1\": %2").arg(path, file.errorString());
-        return false;
-    }
-    if (file.write(data) != data.size() || !file.commit()) {
-        if (error)
-            *error = QStringLiteral("Cannot write \"%1\": %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
+    return OssFileWriter::writeAtomically(path, {saveToData(root, name)}, error, backupSuffix);
 }
 
 bool OssSerializer::saveObject(OssSerializableObject *object, const QString &name,

@@ -38,9 +38,11 @@ public:
     // Writes Root as the document's one top-level object.
     QByteArray saveToData(OssSerializableObject *root,
                           const QString &name = QStringLiteral("root"));
-    // Writes to a file through a temporary file, so a failed save leaves the old file intact.
+    // Writes to a file through a temporary file, so a failed save leaves the old file intact;
+    // with a backup suffix the file it replaces is kept as path + suffix.
     bool saveToFile(const QString &path, OssSerializableObject *root, QString *error,
-                    const QString &name = QStringLiteral("root"));
+                    const QString &name = QStringLiteral("root"),
+                    const QString &backupSuffix = QString());
 
     // Used from saveObjects(): a named sub-object of the object being written.
     bool saveObject(OssSerializableObject *object, const QString &name,

@@ -1,7 +1,8 @@
 #include "OssArchive.h"
 
+#include <OssFileWriter.h>
+
 #include <QFile>
-#include <QSaveFile>
 
 const char *const OssArchive::MaterialKind = "material";
 const char *const OssArchive::CustomProceduralKind = "customProcedural";
@@ -22,13 +23,9 @@ bool fail(QString *error, const QString &path, const QString &problem)
 bool OssArchive::write(const QString &path, const QString &kind, const QByteArray &payload,
                        QString *error)
 {
-    QSaveFile file(path);
     const QByteArray header =
         magic + ' ' + QByteArray::number(Version) + ' ' + kind.toUtf8() + '\n';
-    if (!file.open(QIODevice::WriteOnly) || file.write(header) != header.size() ||
-        file.write(payload) != payload.size() || !file.commit())
-        return fail(error, path, QStringLiteral("cannot write: %1").arg(file.errorString()));
-    return true;
+    return OssFileWriter::writeAtomically(path, {header, payload}, error);
 }
 
 bool OssArchive::read(const QString &path, const QString &kind, QByteArray *payload, QString *error)

@@ -66,7 +66,9 @@ bool OssProjectManager::saveProject(const QString &path, QString *error)
         return false;
     }
     OssSerializer serializer;
-    if (!serializer.saveToFile(path, m_project, error, QStringLiteral("project")))
+    // The file being replaced stays beside the new one as "<name>.bak", one version back.
+    if (!serializer.saveToFile(path, m_project, error, QStringLiteral("project"),
+                               QStringLiteral(".bak")))
         return false;
     m_project->setFilePath(QFileInfo(path).absoluteFilePath());
     OssUndoManager::instance()->setClean();

@@ -4,6 +4,7 @@
 #include "OssSnBaseNode.h"
 
 #include <OssDeserializer.h>
+#include <OssFileWriter.h>
 #include <OssSerializer.h>
 #include <OssUndoManager.h>
 
@@ -11,7 +12,6 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QSaveFile>
 
 const char *const OssShaderNetworkIO::MimeType = "application/x-ossa-nodes";
 
@@ -115,13 +115,7 @@ bool OssShaderNetworkIO::saveNodesToXmlFile(const QList<OssSnBaseNode *> &nodes,
             *error = QStringLiteral("no nodes of one network to save");
         return false;
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
-        if (error)
-            *error = QStringLiteral("\"%1\": cannot write: %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
+    return OssFileWriter::writeAtomically(path, {data}, error);
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkIO::loadNodesFromXmlFile(OssShaderNetwork *network,

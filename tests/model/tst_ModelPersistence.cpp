@@ -4,6 +4,7 @@
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
+#include <OssShaderNetworkIO.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBakePointNode.h>
 #include <OssSnCustomProceduralNode.h>
@@ -15,6 +16,9 @@
 
 #include <QRandomGenerator>
 #include <QtTest>
+
+#include <csignal>
+#include <sys/resource.h>
 
 // Knobs, archives, projects holding every kind of node, and long edit sequences under undo.
 class tst_ModelPersistence : public QObject
@@ -257,6 +261,85 @@ private slots:
         undo()->undo();
         QCOMPARE(custom->outputPointNames(), portsBefore);
         QVERIFY(custom->definition().isEmpty());
+    }
+
+    // A file-size limit stands in for a full disk (it works for every user, root included, and
+    // needs no device of its own): a write past it fails with the system's reason.
+    void failedSavesSayWhyAndKeepTheOldFile_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("project") << "project";
+        QTest::newRow("node file") << "nodes";
+        QTest::newRow("material archive") << "material";
+    }
+
+    void failedSavesSayWhyAndKeepTheOldFile()
+    {
+        QFETCH(QString, kind);
+        auto *material =
+            qobject_cast<OssSnMaterialNode *>(m_network->createNode("_System/Material"));
+        QList<OssSnBaseNode *> nodes;
+        for (int i = 0; i < 60; ++i) {
+            nodes << m_network->createNode(QStringLiteral("Filter/Blur"));
+            material->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+        }
+        const QString path = m_host.scratchPath(QStringLiteral("limited.") + kind);
+        const auto save = [&](QString *error) {
+            if (kind == QLatin1String("project"))
+                return OssProjectManager::instance()->saveProject(path, error);
+            if (kind == QLatin1String("nodes"))
+                return OssShaderNetworkIO::saveNodesToXmlFile(nodes, path, error);
+            return material->exportToFile(path, error);
+        };
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("the previous version");
+        old.close();
+        undo()->setClean();
+        m_network->createNode(QStringLiteral("Adjust/Invert"));
+        QVERIFY(!undo()->isClean());
+
+        rlimit saved{};
+        QVERIFY(getrlimit(RLIMIT_FSIZE, &saved) == 0);
+        rlimit limited = saved;
+        limited.rlim_cur = 2048;
+        const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        QVERIFY(setrlimit(RLIMIT_FSIZE, &limited) == 0);
+        QString error;
+        const bool saved2 = save(&error);
+        setrlimit(RLIMIT_FSIZE, &saved);
+        std::signal(SIGXFSZ, previousHandler);
+
+        QVERIFY(!saved2);
+        QVERIFY2(error.contains(path), qPrintable(error));
+        QVERIFY2(error.contains(QStringLiteral("too large"), Qt::CaseInsensitive),
+                 qPrintable(error));
+        QVERIFY2(!error.contains(QStringLiteral("Unknown error")), qPrintable(error));
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("the previous version"));
+        old.close();
+        // Nothing was saved: the project still has unsaved edits.
+        QVERIFY(!undo()->isClean());
+    }
+
+    void savingAProjectKeepsThePreviousVersion()
+    {
+        const QString path = m_host.scratchPath(QStringLiteral("versions.ossa"));
+        QString error;
+        m_network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QVERIFY(!QFileInfo::exists(path + QStringLiteral(".bak")));
+        QFile first(path);
+        QVERIFY(first.open(QIODevice::ReadOnly));
+        const QByteArray firstVersion = first.readAll();
+        first.close();
+        m_network->createNode(QStringLiteral("Adjust/Invert"));
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QFile backup(path + QStringLiteral(".bak"));
+        QVERIFY(backup.open(QIODevice::ReadOnly));
+        QCOMPARE(backup.readAll(), firstVersion);
+        QVERIFY(first.open(QIODevice::ReadOnly));
+        QVERIFY(first.readAll() != firstVersion);
     }
 };
 
