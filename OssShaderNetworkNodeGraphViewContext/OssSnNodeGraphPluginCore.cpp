@@ -4,6 +4,7 @@
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeCreationActions.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "OssSnScriptObjects.h"
 
 #include <OssActionTreeManager.h>
 #include <OssShaderNetworkManager.h>
@@ -20,10 +21,11 @@ bool OssSnNodeGraphPluginCore::start()
     // The banner alone carries neither the information nor the warning prefix.
     OssDebug(__FILE__, __LINE__, "[ Plugin ] Shader Network - Node Graph View Context");
     OssSnNodeGraphViewContextManager::instance();
-    // The node-creation actions first, then the fixed node-graph actions; the script factories
-    // of the palette and the view join this sequence after them.
+    // The node-creation actions first, then the fixed node-graph actions, then the script
+    // factories (the palette's first).
     createNodeCreationActions();
     createFixedActions();
+    OssSnScriptObjects::registerFactories();
     connect(OssShaderNetworkManager::instance(), SIGNAL(registeredNodePopulationChanged()), this,
             SLOT(createNodeCreationActions()));
     return true;

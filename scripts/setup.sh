@@ -7,7 +7,8 @@ top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${OSSA_BUILD_DIR:-$top/build}"
 build_type="${OSSA_BUILD_TYPE:-RelWithDebInfo}"
 
-packages=(cmake ninja-build g++ qtbase5-dev qtbase5-dev-tools libqt5svg5-dev clang-format xvfb xdotool)
+packages=(cmake ninja-build g++ qtbase5-dev qtbase5-dev-tools libqt5svg5-dev clang-format xvfb xdotool
+    python3-dev pybind11-dev)
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

@@ -17,7 +17,10 @@ OssScriptManager *OssScriptManager::instance()
     return manager;
 }
 
-OssScriptManager::OssScriptManager(QObject *parent) : QObject(parent) {}
+OssScriptManager::OssScriptManager(QObject *parent) : QObject(parent)
+{
+    Ossa::registerHostScriptTypes(this);
+}
 
 OssScriptManager::~OssScriptManager()
 {
@@ -34,6 +37,7 @@ void OssScriptManager::registerAPIFactory(OssAPIFactory *factory)
         return;
     m_factories.insert(name, factory);
     delete previous;
+    emit apiFactoryRegistered(name);
 }
 
 OssAPIFactory *OssScriptManager::factory(const QString &internalClassName) const

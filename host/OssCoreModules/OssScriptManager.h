@@ -13,7 +13,8 @@ class API;
 }
 
 namespace OssScriptException {
-// Kinds of script errors.
+Q_NAMESPACE_EXPORT(OSSCOREMODULES_EXPORT)
+// Kinds of script errors; script bindings name their exceptions after them.
 enum Type
 {
     // The object a script object wraps is gone.
@@ -29,6 +30,7 @@ enum Type
     // An argument is outside its allowed range.
     OutOfRange = 13,
 };
+Q_ENUM_NS(Type)
 } // namespace OssScriptException
 
 // Makes the script object of one internal class. Owned by the script manager.
@@ -85,6 +87,8 @@ public:
 
 signals:
     void scriptError(int type, const QString &message);
+    // After a factory is registered, with the internal class it serves.
+    void apiFactoryRegistered(const QString &internalClassName);
 
 private:
     explicit OssScriptManager(QObject *parent = nullptr);

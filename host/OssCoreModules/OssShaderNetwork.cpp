@@ -553,6 +553,8 @@ void OssShaderNetwork::onLoadFinished()
     QHash<QString, QString> renamed;
     for (OssSnBaseNode *node : loaded) {
         const QString savedName = node->name();
+        for (const QString &note : node->takeLoadNotes())
+            m_loadWarnings.append(QStringLiteral("node '%1': %2").arg(savedName, note));
         if (savedName.isEmpty() || m_byName.contains(savedName)) {
             node->setNameDirect(generateUniqueNodeName(
                 savedName.isEmpty() ? node->pathKey().section(QLatin1Char('/'), -1) : savedName));

@@ -299,9 +299,14 @@ int OssShaderNetworkManager::upgradeNetworks(const QList<OssShaderNetwork *> &ne
 {
     int upgraded = 0;
     for (OssShaderNetwork *network : networks)
-        for (OssSnBaseNode *node : network->getAllNodes())
+        for (OssSnBaseNode *node : network->getAllNodes()) {
+            // A custom procedural's definition is the archive it imported, not the installed
+            // type it was made from: upgrading would throw the imported definition away.
+            if (qobject_cast<OssSnCustomProceduralNode *>(node))
+                continue;
             if (node->versionHashCreated() != node->versionHashPresent() && upgradeNode(node))
                 ++upgraded;
+        }
     return upgraded;
 }
 

@@ -1002,6 +1002,14 @@ OssSerializableObject *OssSnBaseNode::onLoadSubObject(OssDeserializer &, const Q
 bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const QString &, int,
                                      const OssStringMap &attributes)
 {
+    if (name == QLatin1String("inputs") || name == QLatin1String("outputPoints") ||
+        name == QLatin1String("nodeAttributes")) {
+        // A second list of one kind replaces the first; say so rather than merge them.
+        if (m_readCollections.contains(name))
+            m_loadNotes.append(
+                QStringLiteral("it holds \"%1\" twice; the last one is used").arg(name));
+        m_readCollections.append(name);
+    }
     if (name == QLatin1String("inputs")) {
         m_loadingInputs.clear();
         m_preferredInput = attributes.value(QStringLiteral("preferred"));
@@ -1017,6 +1025,14 @@ bool OssSnBaseNode::onLoadCollection(const QString &name, const QString &, const
         return true;
     }
     return false;
+}
+
+QStringList OssSnBaseNode::takeLoadNotes()
+{
+    m_readCollections.clear();
+    QStringList notes;
+    notes.swap(m_loadNotes);
+    return notes;
 }
 
 void OssSnBaseNode::onLoadCollectionObject(const QString &name, const QString &, const QString &,
@@ -1061,6 +1077,20 @@ void OssSnBaseNode::onEndCollection(const QString &name, const QString &, const 
         for (const QString &old : qAsConst(m_attributeOrder))
             if (!m_loadingAttributeOrder.contains(old))
                 removeUserAttribute(old, false);
-        m_attributeOrder = m_loadingAttributeOrder;
+        // The order names only attributes the node has: a name without a value (removed by an
+        // earlier list, or never saved) would come back on the next save with a default value.
+        QStringList order;
+        for (const QString &attribute : qAsConst(m_loadingAttributeOrder)) {
+            if (order.contains(attribute))
+                continue;
+            if (!exists(attribute)) {
+                m_loadNotes.append(
+                    QStringLiteral("attribute \"%1\" is listed without a value; dropped")
+                        .arg(attribute));
+                continue;
+            }
+            order.append(attribute);
+        }
+        m_attributeOrder = order;
     }
 }

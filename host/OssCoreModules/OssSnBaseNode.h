@@ -286,6 +286,9 @@ public:
                                 const OssStringMap &attributes) override;
     void onEndCollection(const QString &name, const QString &type,
                          const QString &elementType) override;
+    // What reading the node found wrong and mended (each a sentence without the node's name);
+    // the network reports them with the node's name once the node is read, and forgets them.
+    QStringList takeLoadNotes();
 
     // Used by undo steps and the network: change the connection without checks or history.
     void setConnectionDirect(const QString &input, OssSnBaseNode *source,
@@ -387,6 +390,8 @@ private:
     QVector<OssSnNodeInput> m_loadingInputs;
     QVector<OssSnNodeOutputPoint> m_loadingOutputs;
     QStringList m_loadingAttributeOrder;
+    QStringList m_readCollections;
+    QStringList m_loadNotes;
 };
 
 Q_DECLARE_METATYPE(OssSnBaseNode *)

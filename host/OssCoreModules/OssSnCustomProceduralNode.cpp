@@ -108,9 +108,14 @@ bool OssSnCustomProceduralNode::exportToFile(const QString &path, QString *error
 void OssSnCustomProceduralNode::setDefinitionDirect(const OssSnNodeType &type,
                                                     const QString &sourceFile)
 {
+    // The node keeps its own name and path key: the path key picks the node's class when a
+    // project is read, and the imported description's key would make it a plain node of that
+    // type, without its definition.
     const QString name = this->name();
+    const QString ownPathKey = pathKey();
     applyType(type);
     setNameDirect(name);
+    setPathKey(ownPathKey);
     m_sourceFile = sourceFile;
     m_definition = type.source;
     emit inputsRefreshed();

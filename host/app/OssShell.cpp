@@ -2,6 +2,7 @@
 
 #include "OssMainWindow.h"
 #include "OssPluginHost.h"
+#include "OssShellScripting.h"
 #include "OssTestDrop.h"
 
 #include <OssApplication.h>
@@ -25,12 +26,18 @@
 
 namespace {
 
-// Without a display and without an explicit platform, the shell runs offscreen.
+// Without a display and without an explicit platform, the shell runs offscreen; script runs
+// always do.
 bool chooseOffscreenPlatform(int argc, char **argv)
 {
     for (int i = 1; i < argc; ++i)
         if (std::strcmp(argv[i], "-platform") == 0 || std::strcmp(argv[i], "--platform") == 0)
             return false;
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--script") == 0 || std::strcmp(argv[i], "--run") == 0) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+            return true;
+        }
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return qEnvironmentVariable("QT_QPA_PLATFORM") == QLatin1String("offscreen");
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
@@ -92,8 +99,26 @@ int ossRunShell(int argc, char **argv)
                                        QStringLiteral("dir"));
     const QCommandLineOption quit(
         QStringLiteral("quit"), QStringLiteral("Start, load plug-ins and the project, then quit."));
-    parser.addOptions({screenshot, settingsDir, pluginDir, quit});
+    const QCommandLineOption script(
+        QStringLiteral("script"),
+        QStringLiteral("Run a Python script offscreen (sys.argv: the file and the arguments after "
+                       "it) and quit with its status."),
+        QStringLiteral("file.py"));
+    const QCommandLineOption run(
+        QStringLiteral("run"),
+        QStringLiteral("Run Python code offscreen and quit with its status."),
+        QStringLiteral("code"));
+    parser.addOptions({screenshot, settingsDir, pluginDir, quit, script, run});
     parser.process(app);
+    const bool scripted = parser.isSet(script) || parser.isSet(run);
+    // A script's standard error is its own: tracebacks and what it writes, not the debug log.
+    if (scripted)
+        OssDebugSinks::setEchoToStandardError(false);
+    if (parser.isSet(script) && !QFileInfo(parser.value(script)).isFile()) {
+        QTextStream(stderr) << "Cannot run the script " << parser.value(script)
+                            << ": no such file\n";
+        return 2;
+    }
 
     QTextStream out(stdout);
     QTextStream err(stderr);
@@ -105,13 +130,14 @@ int ossRunShell(int argc, char **argv)
         scratchSettings = std::make_unique<QTemporaryDir>();
         OssSettings::setStorageDirectory(scratchSettings->path());
     }
-    const bool batch = parser.isSet(screenshot) || parser.isSet(quit);
+    const bool batch = parser.isSet(screenshot) || parser.isSet(quit) || scripted;
     OssApplication::setPopupsAllowed(!headless && !batch);
 
     OssPluginHost plugins;
     plugins.loadAll(OssPluginHost::pluginDirectory(parser.value(pluginDir)));
 
     OssMainWindow window(&plugins);
+    OssShellScripting::installConsole(window);
     // Offscreen there is no screen to fit: the picture is taken at the size of a common desktop
     // monitor, where a framed network is large enough to show its node titles.
     if (headless && parser.isSet(screenshot)) {
@@ -171,13 +197,25 @@ int ossRunShell(int argc, char **argv)
             err.flush();
             QApplication::exit(exitCode);
         });
+    } else if (scripted) {
+        QTimer::singleShot(0, &window, [&] {
+            // A script is not run on another project than the one it was given.
+            if (!projectOk) {
+                QApplication::exit(2);
+                return;
+            }
+            QApplication::processEvents();
+            QApplication::exit(
+                OssShellScripting::runBatch(parser.isSet(script) ? parser.value(script) : QString(),
+                                            parser.value(run), positional));
+        });
     } else if (parser.isSet(quit)) {
         QTimer::singleShot(0, &window, [] { QApplication::exit(0); });
     }
     const int result = app.exec();
     OssProjectManager::instance()->closeProject();
     plugins.unloadAll();
-    if (!projectOk && batch)
+    if (!projectOk && batch && !scripted)
         return 1;
     return result;
 }

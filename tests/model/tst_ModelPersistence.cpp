@@ -341,6 +341,36 @@ private slots:
         QVERIFY(first.open(QIODevice::ReadOnly));
         QVERIFY(first.readAll() != firstVersion);
     }
+
+    void anImportedCustomProceduralSurvivesSaving()
+    {
+        const OssSnNodeType *checker =
+            OssSnNodeTypeCatalogue::instance()->type("Procedural/Pattern/Checker");
+        const QString procedural = m_host.scratchPath(QStringLiteral("kept.opc"));
+        QString error;
+        QVERIFY(OssArchive::write(procedural, OssArchive::CustomProceduralKind,
+                                  checker->source.toUtf8(), &error));
+        auto *custom = qobject_cast<OssSnCustomProceduralNode *>(
+            m_network->createNode("Misc/Custom Procedural"));
+        QVERIFY(custom);
+        QStringList errors;
+        QVERIFY2(custom->importFromFile(procedural, &errors), qPrintable(errors.join('\n')));
+        OssSnBaseNode *invert = m_network->createNode(QStringLiteral("Adjust/Invert"));
+        QVERIFY(invert->connectInput("Input", custom, custom->outputPointNames().value(0)));
+        const QString name = custom->name();
+        const QString dump = m_network->dump();
+
+        const QString path = m_host.scratchPath(QStringLiteral("custom.ossa"));
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().value(0);
+        auto *reopened = qobject_cast<OssSnCustomProceduralNode *>(m_network->node(name));
+        QVERIFY2(reopened, "the node came back as another class");
+        QCOMPARE(reopened->definition(), checker->source);
+        QCOMPARE(reopened->sourceFile(), procedural);
+        QCOMPARE(reopened->nodeAttributeNames(), checker->attributeNames());
+        QCOMPARE(m_network->dump(), dump);
+    }
 };
 
 QTEST_MAIN(tst_ModelPersistence)

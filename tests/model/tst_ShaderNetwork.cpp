@@ -449,6 +449,51 @@ private slots:
         QCOMPARE(b.readAll(), a.readAll());
     }
 
+    void aNodeWithTwoAttributeListsLoadsWhatItHasAndSaysSo()
+    {
+        m_network->createNode(QStringLiteral("Filter/Blur"));
+        const QString path = m_host.scratchPath(QStringLiteral("twice.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray text = file.readAll();
+        file.close();
+        // Before the node's attribute list, a shorter one naming only its first attribute.
+        const int start =
+            text.indexOf("<collection name=\"nodeAttributes\"", text.indexOf("Filter/Blur"));
+        QVERIFY(start > 0);
+        const int firstEnd = text.indexOf("/>", text.indexOf("<element", start)) + 2;
+        const QByteArray head = text.mid(start, text.indexOf('>', start) + 1 - start);
+        QByteArray shorter = text.mid(start, firstEnd - start) + "</collection>";
+        const QString countOfOne = QString::fromUtf8(head).replace(
+            QRegularExpression(QStringLiteral("count=\"\\d+\"")), QStringLiteral("count=\"1\""));
+        shorter.replace(head, countOfOne.toUtf8());
+        text.insert(start, shorter);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        OssProject *project = OssProjectManager::instance()->currentProject();
+        m_network = project->networks().value(0);
+        OssSnBaseNode *blur = m_network->node(QStringLiteral("Blur"));
+        QVERIFY(blur);
+        QVERIFY(!blur->nodeAttributeNames().isEmpty());
+        for (const QString &name : blur->nodeAttributeNames())
+            QVERIFY2(blur->exists(name), qPrintable(name));
+        const QString warnings = project->loadWarnings().join(QLatin1Char('\n'));
+        QVERIFY2(warnings.contains(QStringLiteral("node 'Blur'")), qPrintable(warnings));
+        QVERIFY2(warnings.contains(QStringLiteral("twice")), qPrintable(warnings));
+        // What was read is what a save keeps: load, save, load is a fixed point.
+        const QString dump = m_network->dump();
+        const QString again = m_host.scratchPath(QStringLiteral("twice-again.ossa"));
+        QVERIFY2(OssProjectManager::instance()->saveProject(again, &error), qPrintable(error));
+        QVERIFY2(OssProjectManager::instance()->openProject(again, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().value(0);
+        QCOMPARE(m_network->dump(), dump);
+    }
+
     void badProjectFilesLeaveTheOpenProject_data()
     {
         QTest::addColumn<QByteArray>("content");
