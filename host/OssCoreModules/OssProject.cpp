@@ -1,8 +1,11 @@
 #include "OssProject.h"
 
+#include "OssSnGroupNode.h"
+
 #include "OssEntity.h"
 #include "OssShaderNetwork.h"
 #include "OssShadingGroup.h"
+#include "OssSnGroupNode.h"
 
 #include <OssDeserializer.h>
 #include <OssSerializer.h>
@@ -45,9 +48,19 @@ QList<OssShaderNetwork *> OssProject::networks() const
 
 QStringList OssProject::loadWarnings() const
 {
+    // Group networks are read with their nodes and keep warnings of their own.
     QStringList warnings;
-    for (OssShaderNetwork *network : networks())
-        warnings.append(network->loadWarnings());
+    QList<OssShaderNetwork *> pending = networks();
+    while (!pending.isEmpty()) {
+        OssShaderNetwork *network = pending.takeFirst();
+        const bool inGroup = network->parentGroupNode() != nullptr;
+        for (const QString &warning : network->loadWarnings())
+            warnings.append(inGroup ? QStringLiteral("%1: %2").arg(network->path(), warning)
+                                    : warning);
+        for (OssSnBaseNode *node : network->nodes())
+            if (auto *group = qobject_cast<OssSnGroupNode *>(node))
+                pending.append(group->groupNetwork());
+    }
     return warnings;
 }
 

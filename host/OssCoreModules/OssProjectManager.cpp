@@ -51,10 +51,14 @@ bool OssProjectManager::openProject(const QString &path, QString *error)
         return false;
     }
     project->setFilePath(QFileInfo(path).absoluteFilePath());
-    for (const QString &warning : project->loadWarnings())
+    // What the reader mended or dropped: values it could not use, then what the networks found.
+    m_lastLoadWarnings = deserializer.warnings() + project->loadWarnings();
+    for (const QString &warning : qAsConst(m_lastLoadWarnings))
         OSS_DEBUG("[ !! ] %s: %s", qPrintable(path), qPrintable(warning));
     makeCurrent(project);
     emit projectOpenCompleted(project, true);
+    if (!m_lastLoadWarnings.isEmpty())
+        emit loadWarningsFound(path, m_lastLoadWarnings);
     return true;
 }
 

@@ -494,6 +494,39 @@ private slots:
         QCOMPARE(m_network->dump(), dump);
     }
 
+    void repairsMadeWhileReadingAreReported()
+    {
+        auto *group = qobject_cast<OssSnGroupNode *>(m_network->createNode("Misc/Group"));
+        QVERIFY(group);
+        group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+        const QString path = m_host.scratchPath(QStringLiteral("repaired.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray text = file.readAll();
+        file.close();
+        // A node type nobody installed, inside the group, and a value that is not a number.
+        QVERIFY(text.contains("Filter/Blur"));
+        text.replace("Filter/Blur", "Filter/Not Installed");
+        QVERIFY(text.contains("answer=\"0\""));
+        text.replace("answer=\"0\"", "answer=\"many\"");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+
+        QSignalSpy reported(OssProjectManager::instance(), &OssProjectManager::loadWarningsFound);
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().value(0);
+        QCOMPARE(reported.count(), 1);
+        const QStringList warnings = reported.first().at(1).toStringList();
+        QCOMPARE(warnings, OssProjectManager::instance()->lastLoadWarnings());
+        const QString all = warnings.join(QLatin1Char('\n'));
+        QVERIFY2(all.contains(QStringLiteral("Filter/Not Installed")), qPrintable(all));
+        QVERIFY2(all.contains(QStringLiteral("Group")), qPrintable(all));
+        QVERIFY2(all.contains(QStringLiteral("many")), qPrintable(all));
+    }
+
     void badProjectFilesLeaveTheOpenProject_data()
     {
         QTest::addColumn<QByteArray>("content");
@@ -591,7 +624,16 @@ private slots:
         m_host.clearLines();
         m_network = m_host.openSample();
         QVERIFY2(m_network, qPrintable(m_host.errorString()));
-        QVERIFY2(m_host.lines().isEmpty(), qPrintable(m_host.lines().join('\n')));
+        // The stand-in context of this test has none of the view context's saved properties;
+        // the reader says so for each, and nothing else may be reported.
+        QStringList lines = m_host.lines();
+        lines.erase(std::remove_if(lines.begin(), lines.end(),
+                                   [](const QString &line) {
+                                       return line.contains(QStringLiteral(
+                                           "RecordingContext has no writable property"));
+                                   }),
+                    lines.end());
+        QVERIFY2(lines.isEmpty(), qPrintable(lines.join('\n')));
         OssProject *project = OssProjectManager::instance()->currentProject();
         QCOMPARE(m_network, project->networks().first());
         QCOMPARE(m_network->geoEntity()->name(), QStringLiteral("Helmet"));
