@@ -514,6 +514,12 @@ OssSerializableObject *OssShaderNetwork::onLoadSubObject(OssDeserializer &deseri
         // Keep the node's saved ports, attributes and connections in a node of its saved
         // class, so that nothing in the file is lost.
         node = OssShaderNetworkManager::instance()->instantiateNodeOfClass(type, this);
+        if (!node) {
+            m_loadWarnings.append(
+                QStringLiteral("an object of class '%1' (path key '%2') is not a node; dropped")
+                    .arg(type, pathKey));
+            return nullptr;
+        }
         node->setPathKey(pathKey);
         // Told once the node is read: its saved contexts may have upgraded it to a known type.
         m_untypedNodes.insert(node, error);

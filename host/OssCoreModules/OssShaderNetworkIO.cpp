@@ -3,6 +3,7 @@
 #include "OssShaderNetwork.h"
 #include "OssSnBaseNode.h"
 
+#include <OssDebug.h>
 #include <OssDeserializer.h>
 #include <OssFileWriter.h>
 #include <OssSerializer.h>
@@ -14,6 +15,8 @@
 #include <QMimeData>
 
 const char *const OssShaderNetworkIO::MimeType = "application/x-ossa-nodes";
+
+QStringList OssShaderNetworkIO::s_lastWarnings;
 
 QByteArray OssShaderNetworkIO::nodesToData(const QList<OssSnBaseNode *> &nodes)
 {
@@ -39,6 +42,7 @@ QList<OssSnBaseNode *> OssShaderNetworkIO::nodesFromData(OssShaderNetwork *netwo
             *error = QStringLiteral("no network to insert into");
         return {};
     }
+    s_lastWarnings.clear();
     // Read into a scratch network the host does not announce, then move the nodes over.
     OssDeserializer deserializer;
     OssShaderNetwork scratch;
@@ -47,6 +51,10 @@ QList<OssSnBaseNode *> OssShaderNetworkIO::nodesFromData(OssShaderNetwork *netwo
     if (!deserializer.loadFromData(data, &scratch, error, source,
                                    QStringLiteral("OssShaderNetwork")))
         return {};
+    // What the reader mended or dropped is reported, not swallowed with the scratch network.
+    s_lastWarnings = deserializer.warnings() + scratch.loadWarnings();
+    for (const QString &warning : qAsConst(s_lastWarnings))
+        OSS_DEBUG("[ !! ] %s: %s", qPrintable(source), qPrintable(warning));
     const QList<OssSnBaseNode *> nodes = scratch.nodes();
     OssUndoManager::AutoMacro macro(QStringLiteral("Insert Nodes"));
     for (OssSnBaseNode *node : nodes) {

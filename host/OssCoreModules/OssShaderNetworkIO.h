@@ -6,6 +6,7 @@
 #include <QList>
 #include <QPointF>
 #include <QString>
+#include <QStringList>
 
 class OssShaderNetwork;
 class OssSnBaseNode;
@@ -21,6 +22,9 @@ public:
     // The nodes of one network as a node document; empty when they are not of one network.
     static QByteArray nodesToData(const QList<OssSnBaseNode *> &nodes);
     // Inserts the nodes of a node document into Network; empty with Error on a bad document.
+    // A document read with repairs (values that do not convert, nodes of unknown types,
+    // connections to missing nodes) inserts what it could; lastWarnings() then names each
+    // repair until the next read.
     static QList<OssSnBaseNode *> nodesFromData(OssShaderNetwork *network, const QByteArray &data,
                                                 bool undoable, QString *error,
                                                 const QString &source = QStringLiteral("data"));
@@ -38,4 +42,8 @@ public:
                                    QString *error);
     static QList<OssSnBaseNode *> loadNodesFromXmlFile(OssShaderNetwork *network,
                                                        const QString &path, QString *error);
+    static QStringList lastWarnings() { return s_lastWarnings; }
+
+private:
+    static QStringList s_lastWarnings;
 };

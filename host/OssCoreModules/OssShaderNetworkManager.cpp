@@ -119,7 +119,9 @@ OssSnBaseNode *OssShaderNetworkManager::instantiateNodeOfClass(const QString &cl
                                                                OssShaderNetwork *network)
 {
     const NodeMaker maker = nodeMakers().value(className);
-    OssSnBaseNode *node = maker ? maker() : new OssSnBaseNode;
+    if (!maker)
+        return nullptr;
+    OssSnBaseNode *node = maker();
     node->setParent(network);
     return node;
 }

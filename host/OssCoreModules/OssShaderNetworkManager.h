@@ -47,7 +47,8 @@ public:
     // they know where it will live; it joins the network's nodes only when inserted.
     OssSnBaseNode *instantiateNode(const QString &pathKey, QString *error = nullptr,
                                    bool forLoading = false, OssShaderNetwork *network = nullptr);
-    // A bare node of a class name (OssSnBaseNode for an unknown class), without type.
+    // A bare node of a node class, without type; null when the name is no node class (a
+    // document naming a project or a context where a node belongs is damaged).
     OssSnBaseNode *instantiateNodeOfClass(const QString &className,
                                           OssShaderNetwork *network = nullptr);
 

@@ -6,6 +6,7 @@
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
 #include <OssShaderNetworkContextLoader.h>
+#include <OssShaderNetworkIO.h>
 #include <OssShaderNetworkManager.h>
 #include <OssSnBaseContext.h>
 #include <OssSnBroadcastTeleportNode.h>
@@ -525,6 +526,49 @@ private slots:
         QVERIFY2(all.contains(QStringLiteral("Filter/Not Installed")), qPrintable(all));
         QVERIFY2(all.contains(QStringLiteral("Group")), qPrintable(all));
         QVERIFY2(all.contains(QStringLiteral("many")), qPrintable(all));
+    }
+
+    void nodeDocumentsReadWithRepairsSaySo_data()
+    {
+        // Each edit replaces every occurrence of its left side by its right side.
+        QTest::addColumn<QStringList>("edits");
+        QTest::addColumn<int>("inserted");
+        QTest::addColumn<QString>("warning");
+        QTest::newRow("unknown type")
+            << QStringList{"Filter/Blur=>Filter/Not Installed"} << 2 << "Filter/Not Installed";
+        QTest::newRow("connection to a missing node")
+            << QStringList{"source=\"Perlin\"=>source=\"Gone\""} << 2 << "Gone";
+        QTest::newRow("not a node") << QStringList{"Filter/Blur=>Filter/Not Installed",
+                                                   "Procedural/Noise/Perlin=>Not/Installed",
+                                                   "type=\"OssSnBaseNode\"=>type=\"OssProject\""}
+                                    << 0 << "OssProject";
+    }
+
+    void nodeDocumentsReadWithRepairsSaySo()
+    {
+        QFETCH(QStringList, edits);
+        QFETCH(int, inserted);
+        QFETCH(QString, warning);
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        QVERIFY(blur->connectInput("Input", noise, "Output"));
+        QByteArray data = OssShaderNetworkIO::nodesToData({noise, blur});
+        for (const QString &edit : edits) {
+            const QByteArray from = edit.section(QStringLiteral("=>"), 0, 0).toUtf8();
+            QVERIFY2(data.contains(from), from.constData());
+            data.replace(from, edit.section(QStringLiteral("=>"), 1).toUtf8());
+        }
+        OssShaderNetwork *other = m_host.newProject(QStringLiteral("Other"));
+        QString error;
+        const QList<OssSnBaseNode *> nodes =
+            OssShaderNetworkIO::nodesFromData(other, data, true, &error, QStringLiteral("paste"));
+        QCOMPARE(nodes.size(), inserted);
+        const QString warnings = OssShaderNetworkIO::lastWarnings().join(QLatin1Char('\n'));
+        QVERIFY2(warnings.contains(warning), qPrintable(warnings));
+        QVERIFY2(m_host.hasLine(QStringLiteral("[ !! ] paste: ") +
+                                OssShaderNetworkIO::lastWarnings().first()),
+                 qPrintable(m_host.lines().join('\n')));
+        m_network = other;
     }
 
     void badProjectFilesLeaveTheOpenProject_data()
