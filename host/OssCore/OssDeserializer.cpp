@@ -189,6 +189,7 @@ bool OssDeserializer::loadFromData(const QByteArray &data, OssSerializableObject
 {
     m_source = source;
     m_warnings.clear();
+    m_restoredUuids.clear();
     if (!root) {
         if (error)
             *error = QStringLiteral("\"%1\": nothing to load into").arg(source);
@@ -252,8 +253,16 @@ void OssDeserializer::apply(const OssXmlElement &element, OssSerializableObject 
 {
     if (m_restoreUuids) {
         const QUuid uuid(element.attributes.value(QStringLiteral("uuid")));
-        if (!uuid.isNull())
+        if (!uuid.isNull() && m_restoredUuids.contains(uuid)) {
+            m_warnings.append(
+                QStringLiteral("%1 \"%2\" repeats the UUID %3 of an earlier object; it was "
+                               "given a new one")
+                    .arg(QString::fromLatin1(object->metaObject()->className()),
+                         element.attributes.value(QStringLiteral("name")), uuid.toString()));
+        } else if (!uuid.isNull()) {
+            m_restoredUuids.insert(uuid);
             object->setUuid(uuid);
+        }
     }
 
     for (const OssXmlElement *childPointer : element.children) {

@@ -4,8 +4,10 @@
 #include "OssStringMap.h"
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
 #include <QStringList>
+#include <QUuid>
 
 #include <memory>
 
@@ -62,5 +64,8 @@ private:
     QString m_currentUuid;
     OssStringMap m_currentAttributes;
     QStringList m_warnings;
+    // The UUIDs given out while reading one document: a repeated one stays with its first
+    // object, so that references keep meaning one object.
+    QSet<QUuid> m_restoredUuids;
     bool m_restoreUuids = true;
 };

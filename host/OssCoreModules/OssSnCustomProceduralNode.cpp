@@ -65,7 +65,7 @@ bool OssSnCustomProceduralNode::importFromFile(const QString &path, QStringList 
     OssSnNodeType type;
     if (!OssArchive::read(path, QString::fromLatin1(OssArchive::CustomProceduralKind), &data,
                           &error) ||
-        !OssSnNodeTypeCatalogue::parse(QString::fromUtf8(data), path, &type, &error)) {
+        !OssSnNodeTypeCatalogue::parseBytes(data, path, &type, &error)) {
         if (errors)
             errors->append(error);
         return false;

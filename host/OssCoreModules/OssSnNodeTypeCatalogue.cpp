@@ -472,15 +472,20 @@ bool OssSnNodeTypeCatalogue::readFile(const QString &path, OssSnNodeType *type, 
         *error = QStringLiteral("%1: cannot be read (%2)").arg(path, file.errorString());
         return false;
     }
-    const QByteArray bytes = file.readAll();
+    return parseBytes(file.readAll(), path, type, error);
+}
+
+bool OssSnNodeTypeCatalogue::parseBytes(const QByteArray &bytes, const QString &fileName,
+                                        OssSnNodeType *type, QString *error)
+{
     QTextCodec::ConverterState state;
     const QString text =
         QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
     if (state.invalidChars > 0) {
-        *error = path + QStringLiteral(": the file is not UTF-8 text");
+        *error = fileName + QStringLiteral(": the file is not UTF-8 text");
         return false;
     }
-    return parse(text, path, type, error);
+    return parse(text, fileName, type, error);
 }
 
 int OssSnNodeTypeCatalogue::loadDirectory(const QString &dir, QStringList *errors)

@@ -31,6 +31,10 @@ public:
     // column for XML errors). *type is left alone on failure.
     static bool parse(const QString &text, const QString &fileName, OssSnNodeType *type,
                       QString *error);
+    // Parses a description read as bytes (a file, an archive's payload); bytes that are not
+    // UTF-8 text are refused, never read with replacement characters.
+    static bool parseBytes(const QByteArray &bytes, const QString &fileName, OssSnNodeType *type,
+                           QString *error);
     // Reads every *.xml under dir recursively, in sorted path order. Bad files are skipped and
     // their errors returned (and logged); returns the number loaded. Emits
     // registeredNodePopulationChanged() once when anything was loaded.

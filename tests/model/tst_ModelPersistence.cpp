@@ -371,6 +371,31 @@ private slots:
         QCOMPARE(reopened->nodeAttributeNames(), checker->attributeNames());
         QCOMPARE(m_network->dump(), dump);
     }
+
+    void aCustomProceduralArchiveThatIsNotUtf8IsRefused()
+    {
+        const OssSnNodeType *checker =
+            OssSnNodeTypeCatalogue::instance()->type("Procedural/Pattern/Checker");
+        QByteArray payload = checker->source.toUtf8();
+        // A byte that starts no UTF-8 sequence, inside the description's text.
+        const int at = payload.indexOf("Checker");
+        QVERIFY(at > 0);
+        payload.insert(at, char(0xff));
+        const QString path = m_host.scratchPath(QStringLiteral("latin.opc"));
+        QString error;
+        QVERIFY(OssArchive::write(path, OssArchive::CustomProceduralKind, payload, &error));
+        auto *custom = qobject_cast<OssSnCustomProceduralNode *>(
+            m_network->createNode("Misc/Custom Procedural"));
+        QVERIFY(custom);
+        const QString before = m_network->dump();
+        const int steps = undo()->count();
+        QStringList errors;
+        QVERIFY(!custom->importFromFile(path, &errors));
+        QVERIFY2(errors.join('\n').contains(QStringLiteral("not UTF-8")),
+                 qPrintable(errors.join('\n')));
+        QCOMPARE(m_network->dump(), before);
+        QCOMPARE(undo()->count(), steps);
+    }
 };
 
 QTEST_MAIN(tst_ModelPersistence)

@@ -2,6 +2,7 @@
 
 #include <OssChannel.h>
 #include <OssEntity.h>
+#include <OssObjectReferenceManager.h>
 #include <OssProject.h>
 #include <OssProjectManager.h>
 #include <OssShaderNetwork.h>
@@ -526,6 +527,37 @@ private slots:
         QVERIFY2(all.contains(QStringLiteral("Filter/Not Installed")), qPrintable(all));
         QVERIFY2(all.contains(QStringLiteral("Group")), qPrintable(all));
         QVERIFY2(all.contains(QStringLiteral("many")), qPrintable(all));
+    }
+
+    void aRepeatedUuidStaysWithItsFirstObject()
+    {
+        OssSnBaseNode *noise = m_network->createNode(QStringLiteral("Procedural/Noise/Perlin"));
+        OssSnBaseNode *blur = m_network->createNode(QStringLiteral("Filter/Blur"));
+        const QByteArray first = noise->uuidString().toUtf8();
+        const QByteArray second = blur->uuidString().toUtf8();
+        const QString path = m_host.scratchPath(QStringLiteral("uuids.ossa"));
+        QString error;
+        QVERIFY2(OssProjectManager::instance()->saveProject(path, &error), qPrintable(error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray text = file.readAll();
+        file.close();
+        QVERIFY(text.contains(second));
+        text.replace(second, first);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        QVERIFY2(OssProjectManager::instance()->openProject(path, &error), qPrintable(error));
+        m_network = OssProjectManager::instance()->currentProject()->networks().value(0);
+        OssSnBaseNode *perlin = m_network->node(QStringLiteral("Perlin"));
+        OssSnBaseNode *soft = m_network->node(QStringLiteral("Blur"));
+        QVERIFY(perlin && soft);
+        QCOMPARE(perlin->uuidString().toUtf8(), first);
+        QVERIFY(soft->uuid() != perlin->uuid());
+        QCOMPARE(OssObjectReferenceManager::instance()->getPointer(perlin->uuid()), perlin);
+        const QString warnings =
+            OssProjectManager::instance()->lastLoadWarnings().join(QLatin1Char('\n'));
+        QVERIFY2(warnings.contains(QStringLiteral("repeats the UUID")), qPrintable(warnings));
     }
 
     void nodeDocumentsReadWithRepairsSaySo_data()
