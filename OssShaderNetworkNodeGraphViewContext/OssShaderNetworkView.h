@@ -13,10 +13,12 @@ class OssGeoImageSet;
 class OssImage;
 class OssNgEdge;
 class OssNgNode;
+class OssMenu;
 class OssShaderNetwork;
 class OssSnBaseNode;
 class OssSnMultiChannelMergeNode;
 class QAction;
+class QMenu;
 
 // The node-graph editor of one shader network (root level or a group's subgraph): a view on
 // the scene holding the GUI nodes of that network.
@@ -75,6 +77,13 @@ public:
     OssSnBaseNode *insertDotIntoEdge(OssNgEdge *edge);
     // Connects a node's preferred output to the viewer's input Number and shows it there.
     bool connectToViewer(OssSnBaseNode *node, int number);
+
+    // --- context menu
+    // The right-click menu as it would show now (the caller deletes it), or null after a debug
+    // line when there is no scene or no menu definition.
+    OssMenu *makeContextMenu();
+    // Whether the node's properties may become knobs of the group holding it.
+    static bool canExposeProperties(const OssSnBaseNode *node);
 
 public slots:
     // --- pointer and keyboard interaction
@@ -240,6 +249,9 @@ protected:
     // node becomes the current viewer.
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    // Shows the menu of makeContextMenu() at the event's position.
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
@@ -251,6 +263,8 @@ public:
     static void setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *mergeNode);
 
 private:
+    // One submenu per menu-path folder, holding the node-creation actions.
+    void fillNodesMenu(QMenu *nodesMenu);
     // Imports one archive per path into new nodes of PathKey, as one undo step titled Title;
     // the errors of all paths are shown together under ErrorTitle and undo everything.
     void importArchives(const QStringList &paths, const QPoint &viewPos, const QString &pathKey,

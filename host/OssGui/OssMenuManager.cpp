@@ -2,6 +2,9 @@
 
 #include "OssActionTreeManager.h"
 
+#include <OssDebug.h>
+#include <OssResourceInfo.h>
+
 #include <QAction>
 #include <QFile>
 #include <QXmlStreamReader>
@@ -10,8 +13,21 @@ OssMenu::OssMenu(const QString &title, QWidget *parent) : QMenu(title, parent) {
 
 OssMenuManager *OssMenuManager::instance()
 {
-    static OssMenuManager *manager = new OssMenuManager;
+    static OssMenuManager *manager = [] {
+        auto *made = new OssMenuManager;
+        // The menus the host ships with; a broken file leaves the menus undefined, and says so.
+        const QString path = defaultDefinitionsPath();
+        QString error;
+        if (QFile::exists(path) && !made->loadDefinitions(path, &error))
+            OSS_DEBUG("[ !! ] %s", qPrintable(error));
+        return made;
+    }();
     return manager;
+}
+
+QString OssMenuManager::defaultDefinitionsPath()
+{
+    return OssResourceInfo::instance()->resourceRoot() + QStringLiteral("/menus/menus.xml");
 }
 
 OssMenuManager::OssMenuManager(QObject *parent) : QObject(parent) {}
@@ -30,6 +46,11 @@ void OssMenuManager::setDefinition(const QString &group, const QString &name,
 QStringList OssMenuManager::definition(const QString &group, const QString &name) const
 {
     return m_definitions.value(key(group, name));
+}
+
+void OssMenuManager::removeDefinition(const QString &group, const QString &name)
+{
+    m_definitions.remove(key(group, name));
 }
 
 bool OssMenuManager::hasDefinition(const QString &group, const QString &name) const
@@ -84,6 +105,15 @@ bool OssMenuManager::loadDefinitions(const QString &path, QString *error)
     return true;
 }
 
+void OssMenuManager::dropIfEmpty(QMenu *submenu)
+{
+    // A sub-menu none of whose actions is registered would open on nothing.
+    for (QAction *action : submenu->actions())
+        if (!action->isSeparator())
+            return;
+    delete submenu;
+}
+
 OssMenu *OssMenuManager::makeMenu(const QString &group, const QString &name, QWidget *parent) const
 {
     const auto it = m_definitions.constFind(key(group, name));
@@ -97,12 +127,14 @@ OssMenu *OssMenuManager::makeMenu(const QString &group, const QString &name, QWi
             stack.last()->addSeparator();
         } else if (entry == QLatin1String(">")) {
             if (stack.size() > 1)
-                stack.removeLast();
+                dropIfEmpty(stack.takeLast());
         } else if (entry.endsWith(QLatin1Char('>'))) {
             stack.append(stack.last()->addMenu(entry.left(entry.size() - 1)));
         } else if (QAction *action = tree->findAction(entry)) {
             stack.last()->addAction(action);
         }
     }
+    while (stack.size() > 1)
+        dropIfEmpty(stack.takeLast());
     return menu;
 }

@@ -41,16 +41,22 @@ public:
 
     void setDefinition(const QString &group, const QString &name, const QStringList &entries);
     QStringList definition(const QString &group, const QString &name) const;
+    void removeDefinition(const QString &group, const QString &name);
     bool hasDefinition(const QString &group, const QString &name) const;
     // Reads every menu of a definition file; on error nothing is changed and Error says why.
     bool loadDefinitions(const QString &path, QString *error);
 
+    // Where the definitions read when the manager is made live: "menus/menus.xml" in the
+    // resource folder.
+    static QString defaultDefinitionsPath();
+
     // A new menu built from the definition (the caller deletes it), or null when there is none.
-    // Actions missing from the action tree are left out.
+    // Actions missing from the action tree are left out, and sub-menus left with none of theirs.
     OssMenu *makeMenu(const QString &group, const QString &name, QWidget *parent = nullptr) const;
 
 private:
     explicit OssMenuManager(QObject *parent = nullptr);
     static QString key(const QString &group, const QString &name);
+    static void dropIfEmpty(QMenu *submenu);
     QHash<QString, QStringList> m_definitions;
 };

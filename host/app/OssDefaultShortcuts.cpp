@@ -6,57 +6,71 @@
 
 namespace {
 
+// One row of the default keymap: the action's text under "/Ossa/NodeGraph/" and its keys, in
+// the order the node graph's menu lists the actions.
+struct Row
+{
+    const char *text;
+    QList<QKeySequence> keys;
+};
+
+const QList<Row> &rows()
+{
+    static const QList<Row> table{
+        {"Connect Selected Node to Viewer", {QKeySequence(Qt::Key_1)}},
+        {"Connect Selected Node to Viewer2", {QKeySequence(Qt::Key_2)}},
+        {"Connect Selected Node to Viewer3", {QKeySequence(Qt::Key_3)}},
+        {"Connect Selected Node to Viewer4", {QKeySequence(Qt::Key_4)}},
+        {"Connect Selected Node to Viewer5", {QKeySequence(Qt::Key_5)}},
+        {"Connect Selected Node to Viewer6", {QKeySequence(Qt::Key_6)}},
+        {"Connect Selected Node to Viewer7", {QKeySequence(Qt::Key_7)}},
+        {"Connect Selected Node to Viewer8", {QKeySequence(Qt::Key_8)}},
+        {"Connect Selected Node to Viewer9", {QKeySequence(Qt::Key_9)}},
+        {"Connect Selected Node to Viewer0", {QKeySequence(Qt::Key_0)}},
+        {"Delete", {QKeySequence(Qt::Key_Delete), QKeySequence(Qt::Key_Backspace)}},
+        {"Extract", {QKeySequence(Qt::Key_E)}},
+        {"Frame Nodes", {QKeySequence(Qt::Key_Home), QKeySequence(Qt::Key_A)}},
+        {"Focus Selection", {QKeySequence(Qt::Key_F)}},
+        {"Disable", {QKeySequence(Qt::Key_D)}},
+        {"Bypass", {QKeySequence(Qt::Key_B)}},
+        {"Quick Create", {QKeySequence(Qt::Key_Tab)}},
+        {"Duplicate", {QKeySequence(Qt::CTRL + Qt::Key_D)}},
+        {"Select All", {QKeySequence(Qt::CTRL + Qt::Key_A)}},
+        {"Cut", {QKeySequence(Qt::CTRL + Qt::Key_X)}},
+        {"Copy", {QKeySequence(Qt::CTRL + Qt::Key_C)}},
+        {"Paste", {QKeySequence(Qt::CTRL + Qt::Key_V)}},
+        {"Search Node", {QKeySequence(Qt::CTRL + Qt::Key_F)}},
+        {"Info Viewer", {QKeySequence(Qt::Key_I)}},
+        {"Create Paint Node", {QKeySequence(Qt::SHIFT + Qt::Key_N)}},
+        {"Import Nodes", {QKeySequence(Qt::CTRL + Qt::Key_I)}},
+        {"Export Nodes", {QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_E)}},
+        {"Swap Inputs", {QKeySequence(Qt::SHIFT + Qt::Key_X)}},
+        {"Rename Node", {QKeySequence(Qt::Key_R), QKeySequence(Qt::Key_F2)}},
+        {"Toggle Port List", {QKeySequence(Qt::Key_P)}},
+        {"Cycle Port List Mode", {QKeySequence(Qt::SHIFT + Qt::Key_P)}},
+        {"Select All Upstream", {QKeySequence(Qt::CTRL + Qt::Key_Up)}},
+        {"Select All Downstream", {QKeySequence(Qt::CTRL + Qt::Key_Down)}},
+        {"Select Previous Upstream", {QKeySequence(Qt::Key_Up)}},
+        {"Select Next Downstream", {QKeySequence(Qt::Key_Down)}},
+        {"Add Select Previous Upstream", {QKeySequence(Qt::SHIFT + Qt::Key_Up)}},
+        {"Add Select Next Downstream", {QKeySequence(Qt::SHIFT + Qt::Key_Down)}},
+        {"Select Next Sibling", {QKeySequence(Qt::Key_Right)}},
+        {"Select Previous Sibling", {QKeySequence(Qt::Key_Left)}},
+        {"Add Select Next Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Right)}},
+        {"Add Select Previous Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Left)}},
+        {"Zoom In", {QKeySequence(Qt::Key_Plus), QKeySequence(Qt::Key_Equal)}},
+        {"Zoom Out", {QKeySequence(Qt::Key_Minus)}},
+        {"Autoplace", {QKeySequence(Qt::Key_L)}},
+    };
+    return table;
+}
+
 const QHash<QString, QList<QKeySequence>> &table()
 {
     static const QHash<QString, QList<QKeySequence>> keys = [] {
         QHash<QString, QList<QKeySequence>> map;
-        const QString folder = QStringLiteral("/Ossa/NodeGraph/");
-        const auto add = [&](const char *text, QList<QKeySequence> sequences) {
-            map.insert(folder + QLatin1String(text), sequences);
-        };
-        add("Connect Selected Node to Viewer", {QKeySequence(Qt::Key_1)});
-        const char *const viewers[] = {
-            "Connect Selected Node to Viewer2", "Connect Selected Node to Viewer3",
-            "Connect Selected Node to Viewer4", "Connect Selected Node to Viewer5",
-            "Connect Selected Node to Viewer6", "Connect Selected Node to Viewer7",
-            "Connect Selected Node to Viewer8", "Connect Selected Node to Viewer9"};
-        for (int i = 0; i < 8; ++i)
-            add(viewers[i], {QKeySequence(Qt::Key_2 + i)});
-        add("Connect Selected Node to Viewer0", {QKeySequence(Qt::Key_0)});
-        add("Delete", {QKeySequence(Qt::Key_Delete), QKeySequence(Qt::Key_Backspace)});
-        add("Extract", {QKeySequence(Qt::CTRL + Qt::Key_E)});
-        add("Frame Nodes", {QKeySequence(Qt::Key_Home)});
-        add("Focus Selection", {QKeySequence(Qt::Key_F)});
-        add("Disable", {QKeySequence(Qt::Key_D)});
-        add("Bypass", {QKeySequence(Qt::Key_B)});
-        add("Duplicate", {QKeySequence(Qt::CTRL + Qt::Key_D)});
-        add("Select All", {QKeySequence::SelectAll});
-        add("Cut", {QKeySequence::Cut});
-        add("Copy", {QKeySequence::Copy});
-        add("Paste", {QKeySequence::Paste});
-        add("Swap Inputs", {QKeySequence(Qt::SHIFT + Qt::Key_X)});
-        add("Rename Node", {QKeySequence(Qt::Key_F2)});
-        add("Select All Upstream", {QKeySequence(Qt::CTRL + Qt::Key_Up)});
-        add("Select All Downstream", {QKeySequence(Qt::CTRL + Qt::Key_Down)});
-        add("Select Previous Upstream", {QKeySequence(Qt::Key_Up)});
-        add("Select Next Downstream", {QKeySequence(Qt::Key_Down)});
-        add("Add Select Previous Upstream", {QKeySequence(Qt::SHIFT + Qt::Key_Up)});
-        add("Add Select Next Downstream", {QKeySequence(Qt::SHIFT + Qt::Key_Down)});
-        add("Select Next Sibling", {QKeySequence(Qt::Key_Right)});
-        add("Select Previous Sibling", {QKeySequence(Qt::Key_Left)});
-        add("Add Select Next Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Right)});
-        add("Add Select Previous Sibling", {QKeySequence(Qt::SHIFT + Qt::Key_Left)});
-        add("Autoplace", {QKeySequence(Qt::Key_L)});
-        add("Toggle Port List", {QKeySequence(Qt::Key_P)});
-        add("Cycle Port List Mode", {QKeySequence(Qt::SHIFT + Qt::Key_P)});
-        add("Zoom In", {QKeySequence(Qt::Key_Plus), QKeySequence(Qt::Key_Equal)});
-        add("Zoom Out", {QKeySequence(Qt::Key_Minus)});
-        add("Quick Create", {QKeySequence(Qt::Key_Tab)});
-        add("Search Node", {QKeySequence(Qt::CTRL + Qt::Key_F)});
-        add("Create Paint Node", {QKeySequence(Qt::SHIFT + Qt::Key_N)});
-        add("Info Viewer", {QKeySequence(Qt::Key_I)});
-        add("Import Nodes", {QKeySequence(Qt::CTRL + Qt::Key_I)});
-        add("Export Nodes", {QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_E)});
+        for (const Row &row : rows())
+            map.insert(QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(row.text), row.keys);
         return map;
     }();
     return keys;
@@ -64,16 +78,17 @@ const QHash<QString, QList<QKeySequence>> &table()
 
 } // namespace
 
+QStringList OssDefaultShortcuts::identities()
+{
+    QStringList all;
+    for (const Row &row : rows())
+        all << QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(row.text);
+    return all;
+}
+
 QList<QKeySequence> OssDefaultShortcuts::keysFor(const QString &identity)
 {
     return table().value(identity);
-}
-
-QStringList OssDefaultShortcuts::identities()
-{
-    QStringList names = table().keys();
-    names.sort();
-    return names;
 }
 
 bool OssDefaultShortcuts::apply(QAction *action, const QString &identity, QWidget *scope)

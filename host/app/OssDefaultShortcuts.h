@@ -14,10 +14,10 @@ class QWidget;
 class OssDefaultShortcuts
 {
 public:
+    // Every identity with default keys, in the table's order.
+    static QStringList identities();
     // The default keys of an action identity; empty when it has none.
     static QList<QKeySequence> keysFor(const QString &identity);
-    // Every action identity that has default keys.
-    static QStringList identities();
     // Gives Action its default keys, working within Scope, unless it has keys already. True when
     // keys were given.
     static bool apply(QAction *action, const QString &identity, QWidget *scope);

@@ -1,8 +1,9 @@
 #include "OssMainWindow.h"
 
-#include "OssDefaultShortcuts.h"
 #include "OssPluginHost.h"
 #include "OssPreferencesDialog.h"
+#include "OssShortcutEditor.h"
+#include "OssShortcutMap.h"
 
 #include <OssActionTreeManager.h>
 #include <OssApplication.h>
@@ -83,6 +84,7 @@ OssMainWindow::OssMainWindow(OssPluginHost *plugins, QWidget *parent)
     edit->addAction(redo);
     edit->addSeparator();
     edit->addAction(tr("&Preferences..."), this, &OssMainWindow::showPreferences);
+    edit->addAction(tr("&Keyboard Shortcuts..."), this, &OssMainWindow::showShortcutEditor);
 
     m_projectMenu = menuBar()->addMenu(tr("&Project"));
     connect(m_projectMenu, &QMenu::aboutToShow, this, &OssMainWindow::fillProjectMenu);
@@ -189,7 +191,12 @@ void OssMainWindow::rebuildActionMenus()
             }
             parent = menu;
         }
-        for (QAction *action : tree->actions(folder))
+        // Folders that share a menu ("/Ossa/NodeGraph/" and "/Ossa/NodeGraph") each get a
+        // section of their own.
+        const QList<QAction *> actions = tree->actions(folder);
+        if (!actions.isEmpty() && !parent->actions().isEmpty())
+            parent->addSeparator();
+        for (QAction *action : actions)
             parent->addAction(action);
     }
     applyDefaultShortcuts();
@@ -204,7 +211,7 @@ void OssMainWindow::applyDefaultShortcuts()
     OssActionTreeManager *tree = OssActionTreeManager::instance();
     for (const QString &folder : tree->folders())
         for (QAction *action : tree->actions(folder))
-            OssDefaultShortcuts::apply(
+            OssShortcutMap::bind(
                 action,
                 OssActionTreeManager::identity(OssActionTreeManager::fullPath(folder, action)),
                 scope);
@@ -486,6 +493,15 @@ void OssMainWindow::showPreferences()
     OssPreferencesDialog dialog(this);
     dialog.resize(700, 500);
     dialog.exec();
+}
+
+void OssMainWindow::showShortcutEditor()
+{
+    OssShortcutEditor dialog(this);
+    dialog.resize(800, 600);
+    connect(&dialog, &OssShortcutEditor::applied, this, &OssMainWindow::applyDefaultShortcuts);
+    dialog.exec();
+    takeBackFocus();
 }
 
 QString OssMainWindow::aboutText() const

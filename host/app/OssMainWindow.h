@@ -49,11 +49,13 @@ public slots:
     bool saveProjectAs(const QString &path);
     void saveProjectAsDialog();
     void showPreferences();
+    // The keyboard shortcut editor; what it applies binds the actions again.
+    void showShortcutEditor();
     void showAbout();
     // Rebuilds the action-tree menus (deferred: actions arrive in bursts).
     void scheduleMenuRebuild();
     void rebuildActionMenus();
-    // Gives the node graph's actions the shell's default keys.
+    // Gives the node graph's actions their keys: the user's bindings over the default keymap.
     void applyDefaultShortcuts();
 
     // Gives the node graph (the first palette) about three quarters of the width, the panels on

@@ -400,6 +400,66 @@ private slots:
                  start);
     }
 
+    // A right-click on a selected node opens the node graph's menu, which starts with Cut, Copy,
+    // Paste, Duplicate and Delete: the fifth entry deletes the node; Ctrl+Z brings it back.
+    void deleteFromTheContextMenu()
+    {
+        const QRect start =
+            waitFor("before the menu", Moved, [](const QRect &r) { return r.isValid(); });
+        QVERIFY(start.isValid());
+        xdotool({"mousemove", QString::number(start.center().x()),
+                 QString::number(start.center().y())});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        const QImage before = screen("selected for the menu");
+        xdotool({"click", "3"});
+        pause(600);
+        const QImage menu = screen("context menu");
+        // The menu covers the area right of and below the cursor.
+        const QPoint inMenu = start.center() + QPoint(40, 40);
+        QVERIFY2(before.pixel(inMenu) != menu.pixel(inMenu) ||
+                     before.pixel(inMenu + QPoint(20, 60)) != menu.pixel(inMenu + QPoint(20, 60)),
+                 "no menu opened at the cursor");
+        for (int i = 0; i < 5; ++i) {
+            xdotool({"key", "Down"});
+            pause(80);
+        }
+        screen("delete highlighted");
+        xdotool({"key", "Return"});
+        const QRect gone =
+            waitFor("deleted from the menu", Moved, [](const QRect &r) { return !r.isValid(); });
+        QVERIFY2(!gone.isValid(), "the node is still on the screen after Delete in the menu");
+        xdotool({"key", "ctrl+z"});
+        QCOMPARE(waitFor("menu delete undone", Moved, [&](const QRect &r) { return r == start; }),
+                 start);
+    }
+
+    // F frames the selected node (it grows, up to 100 %); Home frames the whole graph again.
+    void frameTheSelectionAndTheGraph()
+    {
+        const QRect start =
+            waitFor("before framing", Moved, [](const QRect &r) { return r.isValid(); });
+        QVERIFY(start.isValid());
+        xdotool({"mousemove", QString::number(start.center().x()),
+                 QString::number(start.center().y())});
+        pause();
+        xdotool({"click", "1"});
+        pause(300);
+        xdotool({"key", "f"});
+        const QRect framed = waitFor("framed selection", Moved, [&](const QRect &r) {
+            return r.isValid() && r.width() > start.width() * 1.3;
+        });
+        QVERIFY2(framed.width() > start.width() * 1.3,
+                 qPrintable(QStringLiteral("%1 -> %2").arg(start.width()).arg(framed.width())));
+        xdotool({"key", "Home"});
+        const QRect all = waitFor("framed graph", Moved, [&](const QRect &r) {
+            return qAbs(r.width() - start.width()) <= 2;
+        });
+        QVERIFY(qAbs(all.width() - start.width()) <= 2);
+        QVERIFY(qAbs(all.left() - start.left()) <= 2 && qAbs(all.top() - start.top()) <= 2);
+    }
+
     // Five wheel notches in and five out at a node: the point under the cursor stays there.
     void zoomStaysUnderTheCursor()
     {
