@@ -15,10 +15,12 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QFile>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QtTest>
 
 #include <memory>
@@ -186,9 +188,18 @@ private slots:
         graph->setFocus();
         QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget *>(graph));
         QSignalSpy triggered(action, &QAction::triggered);
+        // Commands that ask (quick create, search, file dialogs) are answered with Cancel.
+        QTimer closer;
+        closer.setInterval(50);
+        connect(&closer, &QTimer::timeout, [] {
+            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+                dialog->reject();
+        });
+        closer.start();
         const int code = key[0];
         QTest::keyClick(graph, Qt::Key(code & ~Qt::KeyboardModifierMask),
                         Qt::KeyboardModifiers(code & Qt::KeyboardModifierMask));
+        closer.stop();
         QCOMPARE(triggered.count(), 1);
         // The command ran in the focused view, not on a fall-back.
         for (const QString &line : m_host.lines())
