@@ -63,8 +63,9 @@ Interpreter &interpreter()
         // Signal handlers stay the application's.
         made->interpreter = std::make_unique<py::scoped_interpreter>(false);
         made->main = py::module_::import("__main__").attr("__dict__");
-        made->helpers = py::module_::create_extension_module("_ossa_console", nullptr,
-                                                             new py::module_::module_def);
+        // The module's definition must outlive the module, which lives as long as the process.
+        static py::module_::module_def definition;
+        made->helpers = py::module_::create_extension_module("_ossa_console", nullptr, &definition);
         py::exec(HelperSource, made->helpers.attr("__dict__"));
         py::module_ ossa = py::module_::import("ossa");
         made->main["ossa"] = ossa;
