@@ -1,5 +1,6 @@
 #include "OssSnNodePropertiesWidget.h"
 
+#include "OssGroupNodeKnobWidget.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"
@@ -440,6 +441,10 @@ void OssSnNodePropertiesWidget::showGroupNodeKnobWidget()
         return;
     }
     emit groupNodeKnobsRequested(group);
+    // The group's knob manager, as Manage User Knobs opens it.
+    OssGroupNodeKnobDialog dialog(group, this);
+    dialog.resize(600, 400);
+    dialog.exec();
 }
 
 void OssSnNodePropertiesWidget::showGroupNodeSubgraph()

@@ -26,6 +26,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QToolButton>
 #include <QtTest>
 
@@ -388,8 +389,17 @@ private slots:
         QCOMPARE(editor->heading()->layout()->indexOf(subgraph), 1);
 
         QSignalSpy knobsAsked(panels(), &OssSnNodePropertiesWidget::groupNodeKnobsRequested);
+        // The button opens the group's knob manager (modal); it is closed as soon as it shows.
+        QString opened;
+        QTimer::singleShot(0, this, [&opened] {
+            if (QWidget *dialog = QApplication::activeModalWidget()) {
+                opened = QString::fromLatin1(dialog->metaObject()->className());
+                dialog->close();
+            }
+        });
         QTest::mouseClick(knobs, Qt::LeftButton);
         QCOMPARE(knobsAsked.count(), 1);
+        QCOMPARE(opened, QStringLiteral("OssGroupNodeKnobDialog"));
 
         QCOMPARE(manager()->nodeGraphWidget()->count(), 1);
         QTest::mouseClick(subgraph, Qt::LeftButton);
