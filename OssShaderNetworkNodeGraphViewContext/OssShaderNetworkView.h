@@ -159,7 +159,7 @@ public slots:
     // Asks for a node type with the quick find dialog and creates it at the cursor.
     void quickCreate();
 
-    // --- node files and inspection
+    // --- node files and node information
     void searchNodesAction();
     void exportNodes();
     void importNodes();

@@ -1,7 +1,7 @@
 #include "OssShell.h"
 
 #include "OssMainWindow.h"
-#include "OssNodeGraphInspectionActions.h"
+#include "OssNodeInfoActions.h"
 #include "OssPluginHost.h"
 #include "OssShellScripting.h"
 #include "OssTestDrop.h"
@@ -136,7 +136,7 @@ int ossRunShell(int argc, char **argv)
 
     OssPluginHost plugins;
     plugins.loadAll(OssPluginHost::pluginDirectory(parser.value(pluginDir)));
-    OssNodeGraphInspectionActions::file(plugins);
+    OssNodeInfoActions::file(plugins);
 
     OssMainWindow window(&plugins);
     OssShellScripting::installConsole(window);

@@ -63,7 +63,7 @@ class tst_ContextMenu : public QObject
 private:
     OssTestPluginHost m_host;
     OssShaderNetwork *m_network = nullptr;
-    // Stand-ins for the host's own inspection actions, which the menu appends when present.
+    // Stand-ins for the host's own node information actions, which the menu appends when present.
     QList<QAction *> m_hostActions;
 
     OssShaderNetworkView *view() { return m_host.manager()->currentView(); }
@@ -116,7 +116,7 @@ private slots:
     void cleanup() { QVERIFY2(m_host.reset(), qPrintable(m_host.errorString())); }
 
     // The host's menu comes first, then "Nodes", the global actions between separators, and the
-    // three inspection actions at the end.
+    // three node information actions at the end.
     void menuIsBuiltInOrder()
     {
         auto built = menu();

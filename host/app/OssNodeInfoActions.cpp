@@ -1,4 +1,4 @@
-#include "OssNodeGraphInspectionActions.h"
+#include "OssNodeInfoActions.h"
 
 #include "OssPluginHost.h"
 
@@ -8,7 +8,7 @@
 #include <QAction>
 #include <QPluginLoader>
 
-namespace OssNodeGraphInspectionActions {
+namespace OssNodeInfoActions {
 
 void file(const OssPluginHost &plugins)
 {
@@ -45,4 +45,4 @@ void file(const OssPluginHost &plugins)
     }
 }
 
-} // namespace OssNodeGraphInspectionActions
+} // namespace OssNodeInfoActions

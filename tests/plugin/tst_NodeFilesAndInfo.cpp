@@ -111,12 +111,12 @@ void readMessageBox(QString *title, QString *text)
 
 } // namespace
 
-// Node files, search and inspection on the real host and plug-in: export and import through the
-// real file dialogs, imports of bad files refused with a message and no change, finding a node,
+// Node files, search and node information on the real host and plug-in: export and import through
+// the real file dialogs, imports of bad files refused with a message and no change, finding a node,
 // node information and dumps, the material preview and image sets by name.
 //
 // The graph: N1 and N2 feed inputs A and B of Mix, which feeds Out; Viewer is the viewer.
-class tst_NodeFilesAndInspection : public QObject
+class tst_NodeFilesAndInfo : public QObject
 {
     Q_OBJECT
 
@@ -389,7 +389,7 @@ private slots:
         QCOMPARE(m_network->selectedNodes(), QList<OssSnBaseNode *>{node("N1")});
     }
 
-    // --- inspection
+    // --- node information
 
     void infoViewerShowsTheSelectedNodes()
     {
@@ -498,5 +498,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_NodeFilesAndInspection)
-#include "tst_NodeFilesAndInspection.moc"
+QTEST_MAIN(tst_NodeFilesAndInfo)
+#include "tst_NodeFilesAndInfo.moc"

@@ -1,4 +1,5 @@
-// Commands of OssShaderNetworkView around files and inspection: export and import of node files
+// Commands of OssShaderNetworkView around files and node information: export and import of node
+// files
 // (*.ong), finding a node by name, node information, debug dumps, the material preview picture
 // and the image set of image set nodes.
 
