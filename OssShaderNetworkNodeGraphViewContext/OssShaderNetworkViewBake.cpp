@@ -167,6 +167,18 @@ QList<OssSnBaseNode *> bakePointsAmong(const QList<OssSnBaseNode *> &nodes)
     return bakePoints;
 }
 
+// Bakes the bake points in one undo step, or writes Empty when there are none.
+void bakeInOneStep(const QList<OssSnBaseNode *> &nodes, const char *empty, const QString &title,
+                   bool includeUpToDate)
+{
+    if (nodes.isEmpty()) {
+        OSS_DEBUG("%s", empty);
+        return;
+    }
+    OssUndoManager::AutoMacro macro(title);
+    OssShaderNetworkUtils::bakeBakePoints(nodes, true, includeUpToDate);
+}
+
 } // namespace
 
 // --- bake points
@@ -177,13 +189,8 @@ void OssShaderNetworkView::bakeEmptyAndUpdateOutOfDateBakePoints()
         OSS_DEBUG("m_network is NULL");
         return;
     }
-    const QList<OssSnBaseNode *> nodes = bakePointsAmong(m_network->getAllNodes());
-    if (nodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] No Bake Point nodes found");
-        return;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Smart Bake And Update"));
-    OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
+    bakeInOneStep(bakePointsAmong(m_network->getAllNodes()), "[ !! ] No Bake Point nodes found",
+                  QStringLiteral("Smart Bake And Update"), true);
 }
 
 void OssShaderNetworkView::bakeSelectedBakePoints()
@@ -192,13 +199,8 @@ void OssShaderNetworkView::bakeSelectedBakePoints()
         OSS_DEBUG("m_network is NULL");
         return;
     }
-    const QList<OssSnBaseNode *> nodes = bakePointsAmong(m_network->selectedNodes());
-    if (nodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] No Bake Point nodes are selected");
-        return;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Bake Selected"));
-    OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
+    bakeInOneStep(bakePointsAmong(m_network->selectedNodes()),
+                  "[ !! ] No Bake Point nodes are selected", QStringLiteral("Bake Selected"), true);
 }
 
 void OssShaderNetworkView::updateSelectedBakePoints()
@@ -207,14 +209,10 @@ void OssShaderNetworkView::updateSelectedBakePoints()
         OSS_DEBUG("m_network is NULL");
         return;
     }
-    const QList<OssSnBaseNode *> nodes = bakePointsAmong(m_network->selectedNodes());
-    if (nodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] No Bake Point nodes are selected");
-        return;
-    }
     // Only the selected update leaves bake points whose bake is still current alone.
-    OssUndoManager::AutoMacro macro(QStringLiteral("Update Selected"));
-    OssShaderNetworkUtils::bakeBakePoints(nodes, true, false);
+    bakeInOneStep(bakePointsAmong(m_network->selectedNodes()),
+                  "[ !! ] No Bake Point nodes are selected", QStringLiteral("Update Selected"),
+                  false);
 }
 
 void OssShaderNetworkView::updateUpstreamBakePoints()
@@ -228,14 +226,9 @@ void OssShaderNetworkView::updateUpstreamBakePoints()
         OSS_DEBUG("[ !! ] No nodes are selected");
         return;
     }
-    const QList<OssSnBaseNode *> nodes =
-        OssShaderNetworkUtils::getUpstreamBakePointNodes(selection);
-    if (nodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] No upstream Bake Point nodes found");
-        return;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Update Upstream"));
-    OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
+    bakeInOneStep(OssShaderNetworkUtils::getUpstreamBakePointNodes(selection),
+                  "[ !! ] No upstream Bake Point nodes found", QStringLiteral("Update Upstream"),
+                  true);
 }
 
 void OssShaderNetworkView::updateDownstreamBakePoints()
@@ -249,14 +242,9 @@ void OssShaderNetworkView::updateDownstreamBakePoints()
         OSS_DEBUG("[ !! ] No nodes are selected");
         return;
     }
-    const QList<OssSnBaseNode *> nodes =
-        OssShaderNetworkUtils::getDownstreamBakePointNodes(selection);
-    if (nodes.isEmpty()) {
-        OSS_DEBUG("[ !! ] No downstream Bake Point nodes found");
-        return;
-    }
-    OssUndoManager::AutoMacro macro(QStringLiteral("Update Downstream"));
-    OssShaderNetworkUtils::bakeBakePoints(nodes, true, true);
+    bakeInOneStep(OssShaderNetworkUtils::getDownstreamBakePointNodes(selection),
+                  "[ !! ] No downstream Bake Point nodes found",
+                  QStringLiteral("Update Downstream"), true);
 }
 
 void OssShaderNetworkView::bakePaintBufferToNode(const OssSnBaseNode *Node)
